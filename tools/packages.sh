@@ -1,0 +1,32 @@
+# Sourced by ./run and ./test: installs the Debian packages a task needs, once, and says so.
+
+BUILD_PACKAGES="g++ cmake ninja-build pkg-config qt6-base-dev libxcb1-dev libxcb-xfixes0-dev
+    libxcb-xkb-dev libxcb-xtest0-dev libsecret-1-dev"
+TEST_PACKAGES="clang-format xvfb xserver-xephyr openbox xdotool dunst gnome-keyring at-spi2-core
+    dbus dbus-daemon x11-xserver-utils x11-xkb-utils python3"
+
+# ensure_packages NAME...: installs those that are missing, as root or through sudo.
+ensure_packages() {
+    local missing=() package as_root=()
+    for package in "$@"; do
+        dpkg-query -W -f '${Status}\n' "$package" 2>/dev/null | grep -q 'ok installed' ||
+            missing+=("$package")
+    done
+    [ ${#missing[@]} -eq 0 ] && return 0
+    echo "Installing ${missing[*]}"
+    if [ "$(id -u)" -ne 0 ]; then
+        command -v sudo >/dev/null || { echo "Need root or sudo to install them." >&2; return 1; }
+        as_root=(sudo)
+    fi
+    local log
+    log=$(mktemp)
+    if "${as_root[@]}" apt-get update -qq >"$log" 2>&1 &&
+        "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
+            apt-get install -y -qq --no-install-recommends "${missing[@]}" >>"$log" 2>&1 </dev/null; then
+        rm -f "$log"
+    else
+        cat "$log" >&2
+        rm -f "$log"
+        return 1
+    fi
+}
