@@ -1,0 +1,31 @@
+#pragma once
+
+#include "app/StatusItem.h"
+#include "desktop/AppDelegate.h"
+
+#include <QWidget>
+
+#include <memory>
+
+/// The running application: where the rooms meet. Main thread only.
+class Application : public QObject, public AppDelegate {
+    Q_OBJECT
+
+public:
+    Application();
+    ~Application() override;
+
+    /// The launch sequence; the event loop is started by the caller.
+    void finishLaunching();
+
+    void openPreferences() override;
+    void refreshStatusItemImage() override;
+    void reinstallHotkey() override;
+
+private:
+    void installHotkey();
+    void openLogs();
+
+    std::unique_ptr<StatusItem> m_statusItem;
+    std::unique_ptr<QWidget> m_logsWindow; ///< made when first opened, then kept
+};

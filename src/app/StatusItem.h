@@ -1,0 +1,43 @@
+#pragma once
+
+#include <QAction>
+#include <QMenu>
+#include <QString>
+#include <QSystemTrayIcon>
+
+#include <functional>
+#include <memory>
+
+/// The icon in the status area and its menu. The icon appears when the desktop has a place for it
+/// and comes back with it; everything else works without. Main thread only.
+class StatusItem : public QObject {
+    Q_OBJECT
+
+public:
+    /// What the entries of the menu do.
+    struct Actions {
+        std::function<void()> enrichAndPaste;
+        std::function<void()> enrichOnly;
+        std::function<void()> openPreferences;
+        std::function<void()> openLogs;
+        std::function<void()> quit;
+    };
+
+    explicit StatusItem(const Actions &actions);
+
+    /// Shows the primary hotkey, in symbols, in the menu.
+    void setHotkey(const QString &symbols);
+
+    /// Draws the icon, dimmed while `isFetching`.
+    void refreshImage(bool isFetching);
+
+private:
+    QAction *add(const QString &title, std::function<void()> action,
+                 const QKeySequence &shortcut = {});
+    void dockIfPossible();
+
+    QMenu m_menu;
+    QAction *m_enrichAndPaste;
+    QIcon m_icon;
+    std::unique_ptr<QSystemTrayIcon> m_trayIcon;
+};

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "model/ConfluenceRef.h"
+
+#include <QStringView>
+
+#include <functional>
+#include <optional>
+
+/// Confluence pages and blog posts: links to them, and what the site says about them.
+namespace ConfluenceClient {
+
+/// The page or blog post that `from`, one whole candidate text, links to on the site of the setting
+/// `baseURL`, or nothing. Only the host decides whether it is the same site. Pure and linear in the
+/// length of the text; usable from any thread.
+std::optional<ConfluenceRef> extractRef(QStringView from, const QString &baseURL);
+
+/// What a fetch brought: a title, or a message for the user.
+struct ConfluenceFetchResult {
+    std::optional<QString> title;
+    std::optional<QString> error;
+};
+
+/// Fetches the title of a page or blog post. Calls `completion` once, on any thread. Background
+/// threads only.
+void fetchPage(const QString &pageId, const QString &baseURL, const QString &email,
+               const QString &token,
+               const std::function<void(const ConfluenceFetchResult &)> &completion);
+
+} // namespace ConfluenceClient

@@ -1,0 +1,57 @@
+#include "clients/JiraClient.h"
+
+#include "clients/SiteAddress.h"
+#include "model/Text.h"
+
+#include <QRegularExpression>
+
+using namespace Qt::StringLiterals;
+
+namespace JiraClient {
+
+namespace {
+
+/// Group 1 is the host with any port or user name, group 2 the issue key. \z, because $ would also
+/// match before a final line feed.
+const QRegularExpression &issueLinkPattern() {
+    static const QRegularExpression pattern(
+        uR"(\Ahttps?://([^/\s]+)/browse/([A-Za-z][A-Za-z0-9]*-[0-9]+)(?:[/?#][^\s]*)?\z)"_s,
+        QRegularExpression::UseUnicodePropertiesOption);
+    return pattern;
+}
+
+const QRegularExpression &focusedCommentPattern() {
+    static const QRegularExpression pattern(uR"(focusedCommentId=(\d+))"_s,
+                                            QRegularExpression::UseUnicodePropertiesOption);
+    return pattern;
+}
+
+std::optional<QString> focusedComment(QStringView link) {
+    const QRegularExpressionMatch match = focusedCommentPattern().match(link);
+    if (!match.hasMatch())
+        return std::nullopt;
+    return match.captured(1);
+}
+
+} // namespace
+
+std::optional<JiraRef> extractRef(QStringView from, const QString &baseURL) {
+    const QStringView link = Text::trimmedView(from);
+    // The pattern says the same, but the engine first reads the whole text to check its encoding.
+    if (!link.startsWith(u"http"))
+        return std::nullopt;
+    const QRegularExpressionMatch match = issueLinkPattern().match(link);
+    if (!match.hasMatch())
+        return std::nullopt;
+    const std::optional<SiteAddress> site = SiteAddress::parse(baseURL);
+    if (!site || match.capturedView(1).toString().toLower() != site->host)
+        return std::nullopt;
+
+    JiraRef ref{match.captured(2).toUpper(), {}, focusedComment(link)};
+    ref.url = site->text + "/browse/"_L1 + ref.key;
+    if (ref.commentId)
+        ref.url += "?focusedCommentId="_L1 + *ref.commentId;
+    return ref;
+}
+
+} // namespace JiraClient

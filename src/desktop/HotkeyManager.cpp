@@ -1,0 +1,37 @@
+#include "desktop/HotkeyManager.h"
+
+#include "platform/Platform.h"
+#include "storage/LogStore.h"
+
+HotkeyManager &HotkeyManager::shared() {
+    static HotkeyManager manager;
+    return manager;
+}
+
+void HotkeyManager::install(const QList<KeyCombo> &combos, std::function<void()> handler) {
+    uninstall();
+    m_handler = std::move(handler);
+    for (const KeyCombo &combo : combos) {
+        if (!combo.isSet())
+            continue;
+        if (!Platform::current().hotkeys->add(combo, [this] { pressed(); })) {
+            log(QStringLiteral("hotkey: %1 is not available (taken by another program, or no such "
+                               "key)")
+                    .arg(HotkeyFormat::describe(combo.keyCode, combo.modifiers)));
+        }
+    }
+}
+
+void HotkeyManager::uninstall() {
+    Platform::current().hotkeys->removeAll();
+    m_handler = nullptr;
+}
+
+void HotkeyManager::pressed() {
+    // A later turn, so that a run never starts inside the delivery of the event.
+    Platform::current().dispatch->toMain([this] {
+        // A copy, since the handler may install anew.
+        if (const auto handler = m_handler)
+            handler();
+    });
+}

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <QString>
+
+#include <functional>
+
+/// Desktop notifications.
+class Notifications {
+public:
+    virtual ~Notifications() = default;
+
+    /// Shows a notification and returns without waiting; both texts are plain. `failed` is called
+    /// later on the main thread with the reason when the desktop would not take it. Main thread.
+    virtual void show(const QString &title, const QString &body,
+                      std::function<void(const QString &reason)> failed) = 0;
+};

@@ -1,0 +1,36 @@
+#pragma once
+
+#include "platform/Alerts.h"
+#include "platform/ChildProcess.h"
+#include "platform/Defaults.h"
+#include "platform/Dispatch.h"
+#include "platform/Hotkeys.h"
+#include "platform/Keyboard.h"
+#include "platform/Notifications.h"
+#include "platform/Pasteboard.h"
+#include "platform/SecretStore.h"
+#include "platform/TrayHost.h"
+#include "platform/Workspace.h"
+
+#include <memory>
+
+/// Every port, in one place. The entry point installs the desktop's, tests install their own; the
+/// ports live until the next install (of none, at the end of the program).
+struct Platform {
+    std::shared_ptr<Dispatch> dispatch;
+    std::shared_ptr<Pasteboard> pasteboard;
+    std::shared_ptr<Keyboard> keyboard;
+    std::shared_ptr<Hotkeys> hotkeys;
+    std::shared_ptr<ChildProcess> childProcess;
+    std::shared_ptr<Notifications> notifications;
+    std::shared_ptr<Defaults> defaults;
+    std::shared_ptr<SecretStore> secretStore;
+    std::shared_ptr<Alerts> alerts;
+    std::shared_ptr<Workspace> workspace;
+    std::shared_ptr<TrayHost> trayHost;
+
+    /// The ports in force. Only after install().
+    static Platform &current();
+
+    static void install(Platform platform);
+};

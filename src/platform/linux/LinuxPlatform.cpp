@@ -1,0 +1,34 @@
+#include "platform/linux/LinuxPlatform.h"
+
+#include "platform/linux/DBusNotifications.h"
+#include "platform/linux/DesktopWorkspace.h"
+#include "platform/linux/QtAlerts.h"
+#include "platform/linux/QtChildProcess.h"
+#include "platform/linux/QtDispatch.h"
+#include "platform/linux/SecretServiceStore.h"
+#include "platform/linux/SettingsFile.h"
+#include "platform/linux/StatusNotifierTrayHost.h"
+#include "platform/linux/x11/X11Connection.h"
+#include "platform/linux/x11/X11Hotkeys.h"
+#include "platform/linux/x11/X11Keyboard.h"
+#include "platform/linux/x11/X11Pasteboard.h"
+
+Platform makeLinuxPlatform() {
+    // One connection serves all ports of the main thread.
+    const auto x11 = std::make_shared<X11Connection>();
+    const auto hotkeys = std::make_shared<X11Hotkeys>(x11);
+
+    Platform platform;
+    platform.dispatch = std::make_unique<QtDispatch>();
+    platform.pasteboard = std::make_unique<X11Pasteboard>(x11);
+    platform.keyboard = std::make_unique<X11Keyboard>(x11, hotkeys);
+    platform.hotkeys = hotkeys;
+    platform.childProcess = std::make_unique<QtChildProcess>();
+    platform.notifications = std::make_unique<DBusNotifications>();
+    platform.defaults = std::make_unique<SettingsFile>();
+    platform.secretStore = std::make_unique<SecretServiceStore>();
+    platform.alerts = std::make_unique<QtAlerts>();
+    platform.workspace = std::make_unique<DesktopWorkspace>();
+    platform.trayHost = std::make_unique<StatusNotifierTrayHost>(x11);
+    return platform;
+}

@@ -1,0 +1,7 @@
+#pragma once
+
+#include "platform/Platform.h"
+
+/// The ports of a Linux desktop: X11, D-Bus and the freedesktop services. To be called once, after
+/// the QApplication exists.
+Platform makeLinuxPlatform();
