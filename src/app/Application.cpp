@@ -9,6 +9,11 @@
 
 #include <QApplication>
 
+/// Art in a static library has to be asked for by name, outside of any namespace.
+static void loadArt() {
+    Q_INIT_RESOURCE(resources);
+}
+
 namespace {
 
 QList<KeyCombo> hotkeys() {
@@ -21,7 +26,9 @@ QList<KeyCombo> hotkeys() {
 
 } // namespace
 
-Application::Application() = default;
+Application::Application() {
+    loadArt();
+}
 
 Application::~Application() {
     HotkeyManager::shared().uninstall();

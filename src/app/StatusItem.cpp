@@ -25,7 +25,8 @@ StatusItem::StatusItem(const Actions &actions) {
     m_enrichAndPaste = add({}, actions.enrichAndPaste);
     add(QStringLiteral("Enrich Clipboard Only"), actions.enrichOnly);
     m_menu.addSeparator();
-    add(QStringLiteral("Preferences…"), actions.openPreferences, QKeySequence(QStringLiteral("Ctrl+,")));
+    add(QStringLiteral("Preferences…"), actions.openPreferences,
+        QKeySequence(QStringLiteral("Ctrl+,")));
     add(QStringLiteral("View Logs…"), actions.openLogs, QKeySequence(QStringLiteral("Ctrl+L")));
     m_menu.addSeparator();
     add(QStringLiteral("Quit"), actions.quit, QKeySequence(QStringLiteral("Ctrl+Q")));
@@ -42,8 +43,10 @@ QAction *StatusItem::add(const QString &title, std::function<void()> action,
 }
 
 void StatusItem::setHotkey(const QString &symbols) {
-    m_enrichAndPaste->setText(QStringLiteral("Enrich & Paste (%1)").arg(symbols).replace(
-        u'&', QStringLiteral("&&"))); // a single one would mark a key of the menu
+    m_enrichAndPaste->setText(
+        QStringLiteral("Enrich & Paste (%1)")
+            .arg(symbols)
+            .replace(u'&', QStringLiteral("&&"))); // a single one would mark a key of the menu
 }
 
 void StatusItem::refreshImage(bool isFetching) {

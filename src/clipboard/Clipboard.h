@@ -4,8 +4,8 @@
 
 #include <QString>
 
-/// Putting a link on the clipboard. A link is a display text, which may carry style markers, and the
-/// address behind it.
+/// Putting a link on the clipboard. A link is a display text, which may carry style markers, and
+/// the address behind it.
 namespace Clipboard {
 
 /// The link as plain text in `format`, without markers and without any escaping.

@@ -57,7 +57,9 @@ void fallDue(const ScheduledRestore &restore) {
 
 } // namespace
 
-bool ClipboardRestorer::isDelivering() { return state().isDelivering; }
+bool ClipboardRestorer::isDelivering() {
+    return state().isDelivering;
+}
 
 void ClipboardRestorer::arm() {
     state().pendingWork.cancel();
@@ -65,7 +67,9 @@ void ClipboardRestorer::arm() {
         state().pendingOriginal = ClipboardSnapshot::capture(*Platform::current().pasteboard);
 }
 
-void ClipboardRestorer::markDelivering() { state().isDelivering = true; }
+void ClipboardRestorer::markDelivering() {
+    state().isDelivering = true;
+}
 
 void ClipboardRestorer::commit(qint64 expectedChangeCount, Dispatch::Clock::time_point pastedAt) {
     Dispatch &dispatch = *Platform::current().dispatch;

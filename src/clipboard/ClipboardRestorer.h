@@ -4,8 +4,8 @@
 
 #include <chrono>
 
-/// Gives the user's clipboard back after a paste. Idle, armed (snapshot held), delivering (a paste is
-/// under way), restore scheduled, idle again. All state is static; main thread only.
+/// Gives the user's clipboard back after a paste. Idle, armed (snapshot held), delivering (a paste
+/// is under way), restore scheduled, idle again. All state is static; main thread only.
 class ClipboardRestorer {
 public:
     ClipboardRestorer() = delete;

@@ -1,7 +1,7 @@
 #include "clipboard/ClipboardSnapshot.h"
 
-// Every type that Brindle knows by meaning is text-like and kept; images, private types and the rest
-// have no PasteboardType and are not.
+// Every type that Brindle knows by meaning is text-like and kept; images, private types and the
+// rest have no PasteboardType and are not.
 std::optional<ClipboardSnapshot> ClipboardSnapshot::capture(Pasteboard &pasteboard) {
     const auto offered = pasteboard.items();
     if (!offered)

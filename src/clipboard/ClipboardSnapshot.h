@@ -4,7 +4,8 @@
 
 #include <optional>
 
-/// What the user had on the clipboard: the text-like types of every item, byte for byte. Main thread.
+/// What the user had on the clipboard: the text-like types of every item, byte for byte. Main
+/// thread.
 struct ClipboardSnapshot {
     /// One entry an item, empty where the item had none of the kept types.
     QList<PasteboardItem> items;

@@ -27,7 +27,8 @@ Pasting::Outcome pasteThroughProgram() {
     const auto start = platform.dispatch->now();
     const ChildResult result = platform.childProcess->run(paste.program, paste.arguments);
     if (!result.launchError.isEmpty())
-        return {false, QStringLiteral("Failed to launch %1: ").arg(name) + result.launchError, start};
+        return {false, QStringLiteral("Failed to launch %1: ").arg(name) + result.launchError,
+                start};
     if (result.exitStatus == 0)
         return {true, {}, start};
     QString error = Text::trimmed(QString::fromUtf8(result.standardError));

@@ -25,8 +25,8 @@ struct Outcome {
 /// Main thread only.
 quint16 resolveVKeyCode();
 
-/// Waits until `pause` after `start`, then presses the paste keys, with `vKey` as their letter; where
-/// that is not possible, lets another program press them. Blocks; background threads only.
+/// Waits until `pause` after `start`, then presses the paste keys, with `vKey` as their letter;
+/// where that is not possible, lets another program press them. Blocks; background threads only.
 Outcome simulateCommandV(quint16 vKey, Dispatch::Clock::time_point start);
 
 } // namespace Pasting

@@ -4,14 +4,18 @@ namespace {
 AppDelegate *running = nullptr;
 }
 
-AppDelegate *AppDelegate::shared() { return running; }
+AppDelegate *AppDelegate::shared() {
+    return running;
+}
 
 AppDelegate::~AppDelegate() {
     if (running == this)
         running = nullptr;
 }
 
-void AppDelegate::publish() { running = this; }
+void AppDelegate::publish() {
+    running = this;
+}
 
 void AppDelegate::setIsFetching(bool isFetching) {
     m_isFetching = isFetching;

@@ -27,7 +27,15 @@ const QRegularExpression &hrefPattern() {
 QString withoutLoneSurrogates(QString text) {
     if (QStringView(text).isValidUtf16())
         return text;
-    return QString::fromUtf8(text.toUtf8());
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        const bool isPair =
+            text[i].isHighSurrogate() && i + 1 < text.size() && text[i + 1].isLowSurrogate();
+        if (isPair)
+            ++i;
+        else if (text[i].isSurrogate())
+            text[i] = QChar::ReplacementCharacter;
+    }
+    return text;
 }
 
 /// Appends `texts` to `list`, leaving out what is empty or already in it.

@@ -70,7 +70,7 @@ std::optional<QList<TypeEmojiMapping>> decodeTypeEmojiMappings(const QByteArray 
     if (!document.isArray())
         return std::nullopt;
     QList<TypeEmojiMapping> mappings;
-    for (const QJsonValue &value : document.array()) {
+    for (const auto &value : document.array()) {
         const std::optional<TypeEmojiMapping> row = decodeRow(value);
         if (!row)
             return std::nullopt;

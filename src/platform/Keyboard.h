@@ -29,8 +29,8 @@ public:
     /// Main thread.
     virtual bool isSecureInputActive() = 0;
 
-    /// Whether the object in focus calls itself a password field. No answer within `deadline` counts
-    /// as no. Blocks; background threads only.
+    /// Whether the object in focus calls itself a password field. No answer within `deadline`
+    /// counts as no. Blocks; background threads only.
     virtual bool isPasswordFieldFocused(std::chrono::milliseconds deadline) = 0;
 
     /// The layout in force, or nothing when it can't be read. Main thread.

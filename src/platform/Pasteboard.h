@@ -38,8 +38,8 @@ struct PasteboardFetches {
     bool transferRunning = false;                      ///< a transfer in pieces is under way
 };
 
-/// The general pasteboard (the clipboard). Main thread only. Reading is bounded: an owner that stays
-/// silent for a second counts as offering nothing.
+/// The general pasteboard (the clipboard). Main thread only. Reading is bounded: an owner that
+/// stays silent for a second counts as offering nothing.
 class Pasteboard {
 public:
     virtual ~Pasteboard() = default;

@@ -7,7 +7,7 @@ class Workspace {
 public:
     virtual ~Workspace() = default;
 
-    /// Opens the settings page on which the user can let Brindle press keys. Returns what is missing
-    /// when there is no such page, else an empty text.
+    /// Opens the settings page on which the user can let Brindle press keys. Returns what is
+    /// missing when there is no such page, else an empty text.
     virtual QString openAccessibilitySettings() = 0;
 };

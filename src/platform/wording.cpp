@@ -17,6 +17,10 @@ Wording linuxWording() {
             QStringLiteral("Ctrl+."), QStringLiteral("xdotool")};
 }
 
-const Wording &wording() { return current(); }
+const Wording &wording() {
+    return current();
+}
 
-void setWording(const Wording &words) { current() = words; }
+void setWording(const Wording &words) {
+    current() = words;
+}

@@ -77,9 +77,8 @@ LogView::LogView() : m_copyAll(QStringLiteral("Copy All")), m_clear(QStringLiter
 
 void LogView::refresh() {
     const QList<LogStore::Entry> &entries = LogStore::shared().entries();
-    m_count.setText(QStringLiteral("%1 entries (last %2 kept)")
-                        .arg(entries.size())
-                        .arg(LogStore::maxEntries));
+    m_count.setText(
+        QStringLiteral("%1 entries (last %2 kept)").arg(entries.size()).arg(LogStore::maxEntries));
     m_copyAll.setEnabled(!entries.isEmpty());
     m_clear.setEnabled(!entries.isEmpty());
     while (QLayoutItem *row = m_rows->takeAt(0)) {

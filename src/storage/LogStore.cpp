@@ -44,4 +44,6 @@ QString LogStore::formattedTime(const QDateTime &date) {
     return date.toLocalTime().toString(u"HH:mm:ss");
 }
 
-void log(const QString &message) { LogStore::shared().write(message); }
+void log(const QString &message) {
+    LogStore::shared().write(message);
+}

@@ -22,9 +22,9 @@ std::optional<QVariant> storedForm(PasteFormat value);
 std::optional<QVariant> storedForm(const QList<TypeEmojiMapping> &value);
 std::optional<QVariant> storedForm(const std::optional<QDateTime> &value);
 
-/// One preference: its value in memory, its key in the store and how it is loaded. Reading is a call,
-/// `settings.email()`; assigning, `settings.email = text`, stores the value at once and tells the
-/// observers of Settings.
+/// One preference: its value in memory, its key in the store and how it is loaded. Reading is a
+/// call, `settings.email()`; assigning, `settings.email = text`, stores the value at once and tells
+/// the observers of Settings.
 template <class T>
 class Setting {
 public:

@@ -12,7 +12,9 @@ constexpr quint32 defaultKeyCode = 9;
 constexpr quint32 defaultModifiers =
     HotkeyFormat::controlKey | HotkeyFormat::optionKey | HotkeyFormat::cmdKey;
 
-Defaults &store() { return *Platform::current().defaults; }
+Defaults &store() {
+    return *Platform::current().defaults;
+}
 
 auto text(const QString &whenMissing = {}) {
     return [whenMissing](const Defaults &defaults, const QString &key) {
@@ -70,10 +72,18 @@ std::unique_ptr<Settings> &slot() {
 
 } // namespace
 
-std::optional<QVariant> storedForm(const QString &value) { return value; }
-std::optional<QVariant> storedForm(quint32 value) { return static_cast<qint64>(value); }
-std::optional<QVariant> storedForm(bool value) { return value; }
-std::optional<QVariant> storedForm(PasteFormat value) { return PasteFormats::rawValue(value); }
+std::optional<QVariant> storedForm(const QString &value) {
+    return value;
+}
+std::optional<QVariant> storedForm(quint32 value) {
+    return static_cast<qint64>(value);
+}
+std::optional<QVariant> storedForm(bool value) {
+    return value;
+}
+std::optional<QVariant> storedForm(PasteFormat value) {
+    return PasteFormats::rawValue(value);
+}
 
 std::optional<QVariant> storedForm(const QList<TypeEmojiMapping> &value) {
     return encodeTypeEmojiMappings(value);
@@ -116,7 +126,9 @@ Settings &Settings::shared() {
     return *slot();
 }
 
-void Settings::restart() { slot().reset(); }
+void Settings::restart() {
+    slot().reset();
+}
 
 const QList<TypeEmojiMapping> &Settings::defaultTypeEmojiMappings() {
     return ::defaultTypeEmojiMappings();
@@ -137,11 +149,10 @@ Settings::Settings()
       accountBaseURL(*this, QStringLiteral("accountBaseURL"), text(defaultAccountBaseURL())),
       pasteFormat(*this, QStringLiteral("pasteFormat"), loadLinkFormat),
       accountPasteFormat(*this, QStringLiteral("accountPasteFormat"), loadAccountFormat),
-      restoreClipboardAfterPaste(
-          *this, QStringLiteral("restoreClipboardAfterPaste"),
-          [](const Defaults &defaults, const QString &key) {
-              return defaults.boolean(key).value_or(true);
-          }),
+      restoreClipboardAfterPaste(*this, QStringLiteral("restoreClipboardAfterPaste"),
+                                 [](const Defaults &defaults, const QString &key) {
+                                     return defaults.boolean(key).value_or(true);
+                                 }),
       commentEmoji(*this, QStringLiteral("commentEmoji"), text(QStringLiteral(u"\U0001F4AC"))),
       typeEmojiMappings(*this, QStringLiteral("typeEmojiMappings"), loadMappings),
       tokenSavedAt(*this, QStringLiteral("tokenSavedAt"), loadDate) {}
@@ -167,7 +178,9 @@ QString Settings::hotkeyDisplay() const {
     return HotkeyFormat::describe(hotkeyKeyCode(), hotkeyModifiers());
 }
 
-bool Settings::hotkey2IsSet() const { return hotkey2KeyCode() != 0 && hotkey2Modifiers() != 0; }
+bool Settings::hotkey2IsSet() const {
+    return hotkey2KeyCode() != 0 && hotkey2Modifiers() != 0;
+}
 
 QString Settings::hotkey2Display() const {
     return hotkey2IsSet() ? HotkeyFormat::describe(hotkey2KeyCode(), hotkey2Modifiers())

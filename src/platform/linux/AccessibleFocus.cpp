@@ -116,8 +116,8 @@ public:
 private:
     int timeLeft() const {
         const auto left = m_deadline - Clock::now();
-        return std::max(1, static_cast<int>(
-                               std::chrono::ceil<std::chrono::milliseconds>(left).count()));
+        return std::max(
+            1, static_cast<int>(std::chrono::ceil<std::chrono::milliseconds>(left).count()));
     }
 
     QDBusPendingCall ask(const Object &object, const QString &method) {
@@ -146,7 +146,8 @@ std::optional<Object> focusedObject(Look &look) {
         const auto states = look.states(objects);
         level.clear();
         for (qsizetype i = 0; i < objects.size(); ++i) {
-            // A container may call itself focused together with the field in it; the deepest counts.
+            // A container may call itself focused together with the field in it; the deepest
+            // counts.
             if (hasState(states[i], focusedState))
                 focused = objects[i];
             if (hasState(states[i], showingState))

@@ -6,8 +6,8 @@
 namespace AccessibleFocus {
 
 /// Whether the object in focus is a password field. Asks only a service that is running already:
-/// accessibility is never switched on for the user. No answer within `deadline` counts as no. Blocks;
-/// background threads only.
+/// accessibility is never switched on for the user. No answer within `deadline` counts as no.
+/// Blocks; background threads only.
 bool isPasswordField(std::chrono::milliseconds deadline);
 
 } // namespace AccessibleFocus

@@ -54,8 +54,7 @@ void DBusNotifications::send(const QString &title, const QString &body, bool mar
     notify << AppInfo::displayName() << replacesNothing << AppInfo::bundleIdentifier() << title
            << (markup ? escaped(body) : body) << QStringList() << QVariantMap()
            << serverDecidesWhenItGoes;
-    auto *sent =
-        new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(notify), this);
+    auto *sent = new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(notify), this);
     connect(sent, &QDBusPendingCallWatcher::finished, this, [this, failed, sent] {
         sent->deleteLater();
         if (!sent->isError())

@@ -10,15 +10,21 @@ QtDispatch::QtDispatch() {
     m_pool.setMaxThreadCount(4);
 }
 
-QtDispatch::~QtDispatch() { m_pool.waitForDone(); }
+QtDispatch::~QtDispatch() {
+    m_pool.waitForDone();
+}
 
-bool QtDispatch::isMainThread() const { return QThread::currentThread() == m_mainContext.thread(); }
+bool QtDispatch::isMainThread() const {
+    return QThread::currentThread() == m_mainContext.thread();
+}
 
 void QtDispatch::toMain(Task task) {
     QMetaObject::invokeMethod(&m_mainContext, std::move(task), Qt::QueuedConnection);
 }
 
-void QtDispatch::toBackground(Task task) { m_pool.start(std::move(task)); }
+void QtDispatch::toBackground(Task task) {
+    m_pool.start(std::move(task));
+}
 
 WorkItem QtDispatch::after(std::chrono::milliseconds delay, Task task) {
     auto cancelled = std::make_shared<bool>(false);
@@ -30,8 +36,14 @@ WorkItem QtDispatch::after(std::chrono::milliseconds delay, Task task) {
     return WorkItem(cancelled);
 }
 
-Dispatch::Clock::time_point QtDispatch::now() const { return Clock::now(); }
+Dispatch::Clock::time_point QtDispatch::now() const {
+    return Clock::now();
+}
 
-QDateTime QtDispatch::wallTime() const { return QDateTime::currentDateTime(); }
+QDateTime QtDispatch::wallTime() const {
+    return QDateTime::currentDateTime();
+}
 
-void QtDispatch::sleepUntil(Clock::time_point time) { std::this_thread::sleep_until(time); }
+void QtDispatch::sleepUntil(Clock::time_point time) {
+    std::this_thread::sleep_until(time);
+}

@@ -11,8 +11,8 @@
 
 namespace {
 
-/// How long an operation may take. An unlocked keyring answers in milliseconds; the rest is the time
-/// the user has for the prompt of a locked one.
+/// How long an operation may take. An unlocked keyring answers in milliseconds; the rest is the
+/// time the user has for the prompt of a locked one.
 constexpr guint deadlineSeconds = 30;
 
 const SecretSchema &schema() {

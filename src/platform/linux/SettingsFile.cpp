@@ -7,16 +7,21 @@
 
 #include <cmath>
 
-SettingsFile::SettingsFile() : m_file(AppInfo::bundleIdentifier()) { load(); }
+SettingsFile::SettingsFile() : m_file(AppInfo::bundleIdentifier()) {
+    load();
+}
 
-SettingsFile::SettingsFile(const QString &path) : m_file(path, QSettings::IniFormat) { load(); }
+SettingsFile::SettingsFile(const QString &path) : m_file(path, QSettings::IniFormat) {
+    load();
+}
 
 void SettingsFile::load() {
     m_file.setFallbacksEnabled(false);
     const QFileInfo file(m_file.fileName());
     if (m_file.status() == QSettings::FormatError) {
         m_keepCopy = true;
-        report(QStringLiteral("the settings file is damaged; what can't be read counts as missing"));
+        report(
+            QStringLiteral("the settings file is damaged; what can't be read counts as missing"));
     } else if (file.exists() && (!file.isFile() || !file.isReadable())) {
         report(QStringLiteral("the settings file can't be read; the defaults are used"));
     }
@@ -26,8 +31,8 @@ std::optional<QVariant> SettingsFile::scalar(const QString &key) const {
     if (!m_file.contains(key))
         return std::nullopt;
     const QVariant value = m_file.value(key);
-    // Text with commas written by hand arrives as a list. Blanks around the commas are gone, and one
-    // after each is what people write.
+    // Text with commas written by hand arrives as a list. Blanks around the commas are gone, and
+    // one after each is what people write.
     if (value.typeId() == QMetaType::QStringList)
         return value.toStringList().join(QStringLiteral(", "));
     return value;

@@ -4,9 +4,9 @@
 
 #include <QSettings>
 
-/// Preferences in org.ostrowind.brindle.conf in the user's configuration folder. Every assignment is
-/// on disk when it returns, the file replaced as a whole. A file that can't be understood is copied
-/// aside before the first write, so that nothing in it is lost.
+/// Preferences in org.ostrowind.brindle.conf in the user's configuration folder. Every assignment
+/// is on disk when it returns, the file replaced as a whole. A file that can't be understood is
+/// copied aside before the first write, so that nothing in it is lost.
 class SettingsFile : public Defaults {
 public:
     SettingsFile();

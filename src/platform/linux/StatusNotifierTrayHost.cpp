@@ -17,7 +17,9 @@ StatusNotifierTrayHost::StatusNotifierTrayHost(std::shared_ptr<X11Connection> x1
             m_x11->atom("_NET_SYSTEM_TRAY_S" + QByteArray::number(m_x11->screenNumber()));
 }
 
-bool StatusNotifierTrayHost::isAvailable() { return QSystemTrayIcon::isSystemTrayAvailable(); }
+bool StatusNotifierTrayHost::isAvailable() {
+    return QSystemTrayIcon::isSystemTrayAvailable();
+}
 
 void StatusNotifierTrayHost::onChange(std::function<void()> changed) {
     m_changed = std::move(changed);
@@ -32,10 +34,9 @@ void StatusNotifierTrayHost::onChange(std::function<void()> changed) {
                     signal, this, SLOT(somethingChanged()));
     }
     if (m_traySelection != XCB_ATOM_NONE) {
-        m_x11->watchSelection(m_traySelection,
-                             [this](const xcb_xfixes_selection_notify_event_t &) {
-                                 somethingChanged();
-                             });
+        m_x11->watchSelection(m_traySelection, [this](const xcb_xfixes_selection_notify_event_t &) {
+            somethingChanged();
+        });
     }
 }
 

@@ -5,8 +5,8 @@
 
 #include <QObject>
 
-/// The two kinds of status areas: a StatusNotifier host on the session bus and an XEmbed tray on the
-/// X server. Both may come late, go and come again.
+/// The two kinds of status areas: a StatusNotifier host on the session bus and an XEmbed tray on
+/// the X server. Both may come late, go and come again.
 class StatusNotifierTrayHost : public QObject, public TrayHost {
     Q_OBJECT
 

@@ -4,9 +4,9 @@
 
 #include <optional>
 
-/// Physical keys: the virtual key codes in which hotkeys are stored (those of the ANSI Mac keyboard)
-/// as X key codes (the kernel's evdev codes plus 8). The two number sets are those of the public
-/// keycodemapdb tables.
+/// Physical keys: the virtual key codes in which hotkeys are stored (those of the ANSI Mac
+/// keyboard) as X key codes (the kernel's evdev codes plus 8). The two number sets are those of the
+/// public keycodemapdb tables.
 namespace KeyCodes {
 
 /// The X key code of the key in that place, or nothing for a key that PC keyboards lack.

@@ -28,8 +28,8 @@ X11Connection::X11Connection() {
                       &events);
     m_timestampAtom = atom("BRINDLE_TIMESTAMP");
 
-    const auto version = xcb_xfixes_query_version(m_connection, XCB_XFIXES_MAJOR_VERSION,
-                                                  XCB_XFIXES_MINOR_VERSION);
+    const auto version =
+        xcb_xfixes_query_version(m_connection, XCB_XFIXES_MAJOR_VERSION, XCB_XFIXES_MINOR_VERSION);
     XcbPtr<xcb_xfixes_query_version_reply_t>(
         xcb_xfixes_query_version_reply(m_connection, version, nullptr));
     m_xfixesFirstEvent = xcb_get_extension_data(m_connection, &xcb_xfixes_id)->first_event;
@@ -37,7 +37,8 @@ X11Connection::X11Connection() {
     m_notifier = std::make_unique<QSocketNotifier>(xcb_get_file_descriptor(m_connection),
                                                    QSocketNotifier::Read);
     connect(m_notifier.get(), &QSocketNotifier::activated, this, &X11Connection::processEvents);
-    // Waiting for a reply may have read events too; they would lie there until the next one arrives.
+    // Waiting for a reply may have read events too; they would lie there until the next one
+    // arrives.
     if (auto *dispatcher = QAbstractEventDispatcher::instance())
         connect(dispatcher, &QAbstractEventDispatcher::aboutToBlock, this,
                 &X11Connection::processEvents);
@@ -81,7 +82,9 @@ QList<QByteArray> X11Connection::atomNames(const QList<xcb_atom_t> &atoms) {
     return names;
 }
 
-void X11Connection::addHandler(EventHandler handler) { m_handlers.append(std::move(handler)); }
+void X11Connection::addHandler(EventHandler handler) {
+    m_handlers.append(std::move(handler));
+}
 
 void X11Connection::watchSelection(xcb_atom_t selection, SelectionHandler handler) {
     xcb_xfixes_select_selection_input(m_connection, m_window, selection,

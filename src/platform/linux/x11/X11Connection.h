@@ -21,9 +21,9 @@ struct XcbFree {
 template <class T>
 using XcbPtr = std::unique_ptr<T, XcbFree>;
 
-/// Our own connection to the X server of DISPLAY, beside the toolkit's, so that reads have deadlines
-/// of ours. Events arrive through the event loop or while waiting, each offered to the handlers in
-/// the order in which they were added. Main thread only.
+/// Our own connection to the X server of DISPLAY, beside the toolkit's, so that reads have
+/// deadlines of ours. Events arrive through the event loop or while waiting, each offered to the
+/// handlers in the order in which they were added. Main thread only.
 class X11Connection : public QObject {
     Q_OBJECT
 

@@ -31,7 +31,8 @@ X11Hotkeys::X11Hotkeys(std::shared_ptr<X11Connection> x11) : m_x11(std::move(x11
     m_x11->addHandler([this](const xcb_generic_event_t &event) { return handle(event); });
 
     // With this a held key repeats as presses only, and its one release is a real one.
-    const auto version = xcb_xkb_use_extension(*m_x11, XCB_XKB_MAJOR_VERSION, XCB_XKB_MINOR_VERSION);
+    const auto version =
+        xcb_xkb_use_extension(*m_x11, XCB_XKB_MAJOR_VERSION, XCB_XKB_MINOR_VERSION);
     const auto flags = xcb_xkb_per_client_flags(
         *m_x11, XCB_XKB_ID_USE_CORE_KBD, XCB_XKB_PER_CLIENT_FLAG_DETECTABLE_AUTO_REPEAT,
         XCB_XKB_PER_CLIENT_FLAG_DETECTABLE_AUTO_REPEAT, 0, 0, 0);
@@ -112,7 +113,8 @@ X11Hotkeys::Masks X11Hotkeys::readMasks() const {
     const auto drives = [&](xcb_keycode_t key, xcb_keysym_t wanted) {
         if (key < setup->min_keycode)
             return false;
-        const xcb_keysym_t *first = allSyms + (key - setup->min_keycode) * syms->keysyms_per_keycode;
+        const xcb_keysym_t *first =
+            allSyms + (key - setup->min_keycode) * syms->keysyms_per_keycode;
         return std::find(first, first + syms->keysyms_per_keycode, wanted) !=
                first + syms->keysyms_per_keycode;
     };

@@ -9,9 +9,9 @@
 #include <atomic>
 #include <memory>
 
-/// Hotkeys as passive grabs on the root window, each in every combination of the lock keys. A hotkey
-/// is a place on the keyboard; its keys do not move with the layout. Main thread only, except where
-/// said.
+/// Hotkeys as passive grabs on the root window, each in every combination of the lock keys. A
+/// hotkey is a place on the keyboard; its keys do not move with the layout. Main thread only,
+/// except where said.
 class X11Hotkeys : public QObject, public Hotkeys {
     Q_OBJECT
 

@@ -36,8 +36,8 @@ xcb_keycode_t firstKeyOf(const xcb_get_modifier_mapping_reply_t &map, int row) {
 }
 
 XcbPtr<xcb_get_modifier_mapping_reply_t> modifierMap(xcb_connection_t *connection) {
-    return XcbPtr<xcb_get_modifier_mapping_reply_t>(xcb_get_modifier_mapping_reply(
-        connection, xcb_get_modifier_mapping(connection), nullptr));
+    return XcbPtr<xcb_get_modifier_mapping_reply_t>(
+        xcb_get_modifier_mapping_reply(connection, xcb_get_modifier_mapping(connection), nullptr));
 }
 
 } // namespace
@@ -64,14 +64,14 @@ xcb_connection_t *X11Keyboard::posting() {
 bool X11Keyboard::isSecureInputActive() {
     if (!m_x11->isOpen())
         return false;
-    // While our own hotkey is held nobody else can hold the keyboard, and trying would end our hold.
+    // While our own hotkey is held nobody else can hold the keyboard, and trying would end our
+    // hold.
     if (m_hotkeys->heldKey())
         return false;
     const auto deadline = Clock::now() + menuCloses;
     for (;;) {
-        const auto cookie =
-            xcb_grab_keyboard(*m_x11, 0, m_x11->root(), XCB_CURRENT_TIME, XCB_GRAB_MODE_ASYNC,
-                              XCB_GRAB_MODE_ASYNC);
+        const auto cookie = xcb_grab_keyboard(*m_x11, 0, m_x11->root(), XCB_CURRENT_TIME,
+                                              XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);
         const XcbPtr<xcb_grab_keyboard_reply_t> reply(
             xcb_grab_keyboard_reply(*m_x11, cookie, nullptr));
         if (reply && reply->status == XCB_GRAB_STATUS_SUCCESS) {
@@ -158,11 +158,13 @@ bool X11Keyboard::postPaste(quint16 vKey) {
     if (!connection || !letter)
         return false;
     const auto map = modifierMap(connection);
-    const xcb_keycode_t control = map ? firstKeyOf(*map, ControlRow) : static_cast<xcb_keycode_t>(0);
+    const xcb_keycode_t control =
+        map ? firstKeyOf(*map, ControlRow) : static_cast<xcb_keycode_t>(0);
     if (control == 0)
         return false;
     QList<xcb_keycode_t> chord{control};
-    if (const xcb_keycode_t shift = firstKeyOf(*map, ShiftRow); shift && terminalIsFocused(connection))
+    if (const xcb_keycode_t shift = firstKeyOf(*map, ShiftRow);
+        shift && terminalIsFocused(connection))
         chord.append(shift);
     chord.append(*letter);
     for (auto key = chord.cbegin(); key != chord.cend(); ++key)

@@ -18,15 +18,16 @@ const QMimeData *ownWindowsData() {
     return clipboard->ownsClipboard() ? clipboard->mimeData() : nullptr;
 }
 
-PasteboardOffer offered(const QByteArray &name) { return {name, X11Targets::typeOf(name)}; }
+PasteboardOffer offered(const QByteArray &name) {
+    return {name, X11Targets::typeOf(name)};
+}
 
 /// Targets that describe the selection or do something to it; the owner answers them itself.
 bool holdsData(const QByteArray &name) {
     static constexpr const char *others[] = {"TARGETS", "MULTIPLE", "TIMESTAMP", "SAVE_TARGETS",
                                              "DELETE"};
-    return !name.isEmpty() &&
-           std::none_of(std::begin(others), std::end(others),
-                        [&](const char *other) { return name == other; });
+    return !name.isEmpty() && std::none_of(std::begin(others), std::end(others),
+                                           [&](const char *other) { return name == other; });
 }
 
 QByteArray plainTextOf(const PasteboardItem &item) {

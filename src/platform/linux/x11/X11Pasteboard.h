@@ -8,8 +8,8 @@
 
 #include <memory>
 
-/// The selection CLIPBOARD, as a pasteboard of one item. What a turn of the event loop has read once
-/// it does not ask for again. Main thread only.
+/// The selection CLIPBOARD, as a pasteboard of one item. What a turn of the event loop has read
+/// once it does not ask for again. Main thread only.
 class X11Pasteboard : public QObject, public Pasteboard {
     Q_OBJECT
 
@@ -47,6 +47,6 @@ private:
     Reading m_reading;
     bool m_readingExpires = false;
     qint64 m_changeCount = 0;
-    QByteArray m_written;                   ///< the plain text of our last write
-    std::optional<qint64> m_writtenCount;   ///< the count it had, until a foreign change is certain
+    QByteArray m_written;                 ///< the plain text of our last write
+    std::optional<qint64> m_writtenCount; ///< the count it had, until a foreign change is certain
 };

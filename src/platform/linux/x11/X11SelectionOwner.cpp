@@ -4,8 +4,8 @@
 
 namespace {
 
-/// The most that goes out at once; what is larger goes in pieces of this size. Well under what every
-/// server takes in one request.
+/// The most that goes out at once; what is larger goes in pieces of this size. Well under what
+/// every server takes in one request.
 constexpr qsizetype pieceSize = qsizetype{256} * 1024;
 
 /// A requestor that lets this pass between two pieces has given up.
@@ -139,8 +139,8 @@ bool X11SelectionOwner::answerMultiple(xcb_window_t requestor, xcb_atom_t proper
 
 void X11SelectionOwner::send(xcb_window_t requestor, xcb_atom_t property,
                              const PasteboardRepresentation &representation) {
-    const xcb_atom_t type = m_x11.atom(
-        representation.encoding.isEmpty() ? representation.name : representation.encoding);
+    const xcb_atom_t type = m_x11.atom(representation.encoding.isEmpty() ? representation.name
+                                                                         : representation.encoding);
     if (representation.data.size() <= pieceSize) {
         xcb_change_property(m_x11, XCB_PROP_MODE_REPLACE, requestor, property, type, 8,
                             static_cast<uint32_t>(representation.data.size()),
@@ -173,8 +173,9 @@ bool X11SelectionOwner::sendNextPiece(xcb_window_t requestor, xcb_atom_t propert
     if (size == 0) {
         // The empty piece said that all is sent.
         m_transfers.erase(transfer);
-        const bool another = std::any_of(m_transfers.begin(), m_transfers.end(),
-                                         [&](const Transfer &t) { return t.requestor == requestor; });
+        const bool another =
+            std::any_of(m_transfers.begin(), m_transfers.end(),
+                        [&](const Transfer &t) { return t.requestor == requestor; });
         const uint32_t none = XCB_EVENT_MASK_NO_EVENT;
         if (!another)
             xcb_change_window_attributes(m_x11, requestor, XCB_CW_EVENT_MASK, &none);

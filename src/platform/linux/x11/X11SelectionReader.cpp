@@ -25,11 +25,9 @@ X11SelectionReader::convert(const QList<xcb_atom_t> &targets) {
     }
     const auto start = X11Connection::Clock::now();
     m_lastSign = start;
-    const bool finished =
-        m_x11.waitUntil([this] { return isFinished(); },
-                        [this, start] {
-                            return std::min(start + longestRead, m_lastSign + longestSilence);
-                        });
+    const bool finished = m_x11.waitUntil(
+        [this] { return isFinished(); },
+        [this, start] { return std::min(start + longestRead, m_lastSign + longestSilence); });
     m_ownerIsSilent = !finished;
 
     QList<std::optional<Data>> answers;
@@ -119,14 +117,13 @@ void X11SelectionReader::takePiece(Conversion &conversion) {
 
 X11SelectionReader::Data X11SelectionReader::takeProperty(xcb_atom_t property) {
     constexpr uint32_t whole = std::numeric_limits<int32_t>::max() / 4;
-    const auto cookie = xcb_get_property(m_x11, 1, m_x11.window(), property,
-                                         XCB_GET_PROPERTY_TYPE_ANY, 0, whole);
+    const auto cookie =
+        xcb_get_property(m_x11, 1, m_x11.window(), property, XCB_GET_PROPERTY_TYPE_ANY, 0, whole);
     const XcbPtr<xcb_get_property_reply_t> reply(xcb_get_property_reply(m_x11, cookie, nullptr));
     if (!reply)
         return {};
-    return {reply->type,
-            QByteArray(static_cast<const char *>(xcb_get_property_value(reply.get())),
-                       xcb_get_property_value_length(reply.get()))};
+    return {reply->type, QByteArray(static_cast<const char *>(xcb_get_property_value(reply.get())),
+                                    xcb_get_property_value_length(reply.get()))};
 }
 
 bool X11SelectionReader::isFinished() const {

@@ -21,8 +21,8 @@ public:
 
     X11SelectionReader(X11Connection &x11, xcb_atom_t selection);
 
-    /// Asks for all `targets` at once and waits for the answers, in the order of the targets; nothing
-    /// for each that the owner refused or did not finish. `ownerIsSilent` tells which.
+    /// Asks for all `targets` at once and waits for the answers, in the order of the targets;
+    /// nothing for each that the owner refused or did not finish. `ownerIsSilent` tells which.
     QList<std::optional<Data>> convert(const QList<xcb_atom_t> &targets);
 
     /// Whether the last convert() gave up waiting.

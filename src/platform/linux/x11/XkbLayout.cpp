@@ -61,9 +61,8 @@ std::optional<KeyLayout> XkbLayout::read(xcb_connection_t *connection) {
     xcb_xkb_get_map_map_t map;
     xcb_xkb_get_map_map_unpack(xcb_xkb_get_map_map(reply.get()), reply->nTypes, reply->nKeySyms,
                                reply->nKeyActions, reply->totalActions, reply->totalKeyBehaviors,
-                               reply->virtualMods, reply->totalKeyExplicit,
-                               reply->totalModMapKeys, reply->totalVModMapKeys, reply->present,
-                               &map);
+                               reply->virtualMods, reply->totalKeyExplicit, reply->totalModMapKeys,
+                               reply->totalVModMapKeys, reply->present, &map);
     QHash<int, char32_t> typed;
     auto keys = xcb_xkb_get_map_map_syms_rtrn_iterator(reply.get(), &map);
     for (int code = reply->firstKeySym; keys.rem > 0; ++code, xcb_xkb_key_sym_map_next(&keys))
