@@ -26,7 +26,15 @@ QList<KeyCombo> hotkeys() {
 
 } // namespace
 
-Application::Application() {
+Application::Application()
+    : m_service([this] { openPreferences(); },
+                {
+                    {QStringLiteral("enrich"), [] { Enrichment::run(true); }},
+                    {QStringLiteral("enrich-only"), [] { Enrichment::run(false); }},
+                    {QStringLiteral("preferences"), [this] { openPreferences(); }},
+                    {QStringLiteral("logs"), [this] { openLogs(); }},
+                    {QStringLiteral("quit"), [] { QApplication::quit(); }},
+                }) {
     loadArt();
 }
 

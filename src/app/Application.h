@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/ApplicationService.h"
 #include "app/StatusItem.h"
 #include "desktop/AppDelegate.h"
 
@@ -15,6 +16,10 @@ public:
     Application();
     ~Application() override;
 
+    /// Whether this is the only instance. If not, the other one has been told to show itself, and
+    /// this one is to end.
+    bool isOnlyInstance() { return m_service.claim(); }
+
     /// The launch sequence; the event loop is started by the caller.
     void finishLaunching();
 
@@ -26,6 +31,7 @@ private:
     void installHotkey();
     void openLogs();
 
+    ApplicationService m_service;
     std::unique_ptr<StatusItem> m_statusItem;
     std::unique_ptr<QWidget> m_logsWindow; ///< made when first opened, then kept
 };

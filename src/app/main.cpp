@@ -7,7 +7,6 @@
 int main(int argc, char *argv[]) {
     QApplication qt(argc, argv);
     QApplication::setApplicationName(AppInfo::bundleIdentifier());
-    QApplication::setApplicationDisplayName(AppInfo::displayName());
     QApplication::setDesktopFileName(AppInfo::bundleIdentifier());
     QApplication::setQuitOnLastWindowClosed(false);
 
@@ -15,8 +14,10 @@ int main(int argc, char *argv[]) {
     int status = 0;
     {
         Application application;
-        application.finishLaunching();
-        status = QApplication::exec();
+        if (application.isOnlyInstance()) {
+            application.finishLaunching();
+            status = QApplication::exec();
+        }
     }
     // The ports use the event loop's objects and go before them.
     Platform::install({});

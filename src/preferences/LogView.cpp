@@ -38,6 +38,7 @@ LogView::LogView() : m_copyAll(QStringLiteral("Copy All")), m_clear(QStringLiter
 
     auto *header = new QHBoxLayout;
     header->setContentsMargins(16, 10, 16, 10);
+    header->setSpacing(10);
     header->addWidget(title);
     header->addWidget(&m_count);
     header->addStretch();

@@ -17,6 +17,7 @@ SettingsFile::SettingsFile(const QString &path) : m_file(path, QSettings::IniFor
 
 void SettingsFile::load() {
     m_file.setFallbacksEnabled(false);
+    m_file.allKeys(); // sections are read when first looked into, and only then found damaged
     const QFileInfo file(m_file.fileName());
     if (m_file.status() == QSettings::FormatError) {
         m_keepCopy = true;

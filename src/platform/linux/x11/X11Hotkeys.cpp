@@ -16,6 +16,10 @@ constexpr xcb_keysym_t scrollLockSym = 0xff14;
 constexpr xcb_keysym_t altSym = 0xffe9;
 constexpr xcb_keysym_t superSym = 0xffeb;
 
+/// A key that is held repeats at shorter intervals than this. A press after a longer one is a new
+/// press, even if the release between was not ours to see (a look for secure input can take it).
+constexpr std::chrono::milliseconds longestRepeatDelay{2500};
+
 /// What of an event's state tells hotkeys apart: neither pointer buttons nor the layout group.
 constexpr uint16_t modifierBits = 0xff;
 
@@ -58,12 +62,6 @@ void X11Hotkeys::removeAll() {
     m_held = 0;
 }
 
-void X11Hotkeys::letGo() {
-    m_held = 0;
-    xcb_ungrab_keyboard(*m_x11, XCB_CURRENT_TIME);
-    xcb_flush(*m_x11);
-}
-
 bool X11Hotkeys::handle(const xcb_generic_event_t &event) {
     switch (event.response_type & 0x7f) {
     case XCB_KEY_PRESS:
@@ -84,8 +82,11 @@ bool X11Hotkeys::handle(const xcb_generic_event_t &event) {
 }
 
 void X11Hotkeys::keyPressed(const xcb_key_press_event_t &event) {
-    if (m_held == event.detail)
-        return; // repeating
+    const auto now = X11Connection::Clock::now();
+    const bool isRepeat = m_held == event.detail && now - m_lastPress < longestRepeatDelay;
+    m_lastPress = now;
+    if (isRepeat)
+        return;
     const uint16_t locks = XCB_MOD_MASK_LOCK | m_masks.numLock | m_masks.scrollLock;
     const uint16_t modifiers = event.state & modifierBits & static_cast<uint16_t>(~locks);
     for (const Registration &registration : m_registrations) {

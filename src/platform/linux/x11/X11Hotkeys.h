@@ -21,9 +21,6 @@ public:
     bool add(const KeyCombo &combo, std::function<void()> pressed) override;
     void removeAll() override;
 
-    /// Gives up the keyboard that the server lends us while a hotkey is held. Any thread.
-    void letGo();
-
     /// The key of the hotkey that is held, for which the server lends us the keyboard, or 0. Any
     /// thread.
     xcb_keycode_t heldKey() const { return m_held; }
@@ -59,4 +56,5 @@ private:
     QList<Registration> m_registrations;
     QTimer m_settle; ///< keyboard changes come in bursts, one for each change of device
     std::atomic<xcb_keycode_t> m_held = 0;
+    X11Connection::Clock::time_point m_lastPress;
 };

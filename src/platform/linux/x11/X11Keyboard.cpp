@@ -130,7 +130,8 @@ void X11Keyboard::settleHeldKeys() {
     if (!connection)
         return;
     QList<xcb_keycode_t> keys = modifierKeys(connection);
-    if (const xcb_keycode_t hotkey = m_hotkeys->heldKey())
+    const xcb_keycode_t hotkey = m_hotkeys->heldKey();
+    if (hotkey != 0)
         keys.append(hotkey);
     const auto deadline = Clock::now() + longestHold;
     QList<xcb_keycode_t> held = heldAmong(connection, keys);
@@ -140,8 +141,11 @@ void X11Keyboard::settleHeldKeys() {
     }
     if (held.isEmpty())
         return;
-    // Never pressed again afterwards: that would leave them down on the faking device.
-    m_hotkeys->letGo();
+    // The hotkey's own key goes first: it ends the server's loan of the keyboard to us and the
+    // repeating, which would type into the application once the modifiers are up. None is pressed
+    // again afterwards: that would leave them down on the faking device.
+    std::stable_partition(held.begin(), held.end(),
+                          [&](xcb_keycode_t key) { return key == hotkey; });
     for (const xcb_keycode_t key : held)
         fake(connection, XCB_KEY_RELEASE, key);
     xcb_flush(connection);

@@ -1,0 +1,52 @@
+#include "app/ApplicationService.h"
+
+#include "model/AppInfo.h"
+#include "platform/Platform.h"
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+
+namespace {
+
+/// The name as an object path, as the interface wants it.
+QString objectPath() {
+    return u'/' + AppInfo::bundleIdentifier().replace(u'.', u'/');
+}
+
+} // namespace
+
+ApplicationService::ApplicationService(std::function<void()> activate,
+                                       QHash<QString, std::function<void()>> actions)
+    : m_activate(std::move(activate)), m_actions(std::move(actions)) {}
+
+bool ApplicationService::claim() {
+    QDBusConnection bus = QDBusConnection::sessionBus();
+    if (!bus.isConnected())
+        return true;
+    // The object first: who sees the name may call it at once.
+    bus.registerObject(objectPath(), this, QDBusConnection::ExportAllSlots);
+    if (bus.registerService(AppInfo::bundleIdentifier()))
+        return true;
+    QDBusMessage activate = QDBusMessage::createMethodCall(
+        AppInfo::bundleIdentifier(), objectPath(), QStringLiteral("org.freedesktop.Application"),
+        QStringLiteral("Activate"));
+    activate << QVariantMap();
+    bus.call(activate);
+    return false;
+}
+
+void ApplicationService::Activate(const QVariantMap &) {
+    Platform::current().dispatch->toMain(m_activate);
+}
+
+void ApplicationService::Open(const QStringList &, const QVariantMap &platformData) {
+    // Brindle has no documents; a launcher that passes some means to start it.
+    Activate(platformData);
+}
+
+void ApplicationService::ActivateAction(const QString &name, const QVariantList &,
+                                        const QVariantMap &) {
+    // In a later turn, so that the caller has its answer first.
+    if (const auto action = m_actions.value(name))
+        Platform::current().dispatch->toMain(action);
+}

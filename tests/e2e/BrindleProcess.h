@@ -1,0 +1,23 @@
+#pragma once
+
+#include "support/TestProcess.h"
+
+#include <QMap>
+
+class TestDesktop;
+
+/// The real program on a TestDesktop.
+class BrindleProcess : public TestProcess {
+public:
+    /// Writes the settings file and starts the program.
+    BrindleProcess(const TestDesktop &desktop, const QMap<QString, QString> &settings);
+
+    /// Waits until the launch sequence is through.
+    bool isUp();
+
+    /// Calls an action of the program over the bus.
+    bool activate(const QString &action);
+
+private:
+    const TestDesktop &m_desktop;
+};

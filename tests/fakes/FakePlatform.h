@@ -1,0 +1,209 @@
+#pragma once
+
+#include "desktop/AppDelegate.h"
+#include "platform/Platform.h"
+
+#include <QHash>
+#include <QVariantHash>
+
+#include <deque>
+
+/// A main queue, a background queue and a clock that move only when told.
+class ManualDispatch : public Dispatch {
+public:
+    bool isMainThread() const override { return m_onMain; }
+    void toMain(Task task) override { m_main.push_back(std::move(task)); }
+    void toBackground(Task task) override { m_background.push_back(std::move(task)); }
+    WorkItem after(std::chrono::milliseconds delay, Task task) override;
+    Clock::time_point now() const override { return m_now; }
+    QDateTime wallTime() const override { return m_wall; }
+    void sleepUntil(Clock::time_point time) override { m_now = std::max(m_now, time); }
+
+    /// Runs everything queued, background work included, and every timer that is due.
+    void drain();
+    /// Lets time pass timer by timer, draining along the way.
+    void advance(std::chrono::milliseconds time);
+    /// Runs `task` as if on a background thread.
+    void onBackground(const Task &task);
+    void setWallTime(const QDateTime &time) { m_wall = time; }
+
+private:
+    struct Timer {
+        Clock::time_point due;
+        std::shared_ptr<bool> cancelled;
+        Task task;
+    };
+    bool runDueTimer();
+
+    bool m_onMain = true;
+    Clock::time_point m_now{};
+    QDateTime m_wall{QDate(2026, 1, 2), QTime(14, 3, 9)};
+    std::deque<Task> m_main;
+    std::deque<Task> m_background;
+    QList<Timer> m_timers;
+};
+
+/// A pasteboard of several items in memory. Its native names are short words.
+class FakePasteboard : public Pasteboard {
+public:
+    qint64 changeCount() override { return count; }
+    std::optional<QString> text(PasteboardType type) override;
+    std::optional<QList<QList<PasteboardOffer>>> items() override;
+    PasteboardItem read(qsizetype item, const QList<PasteboardOffer> &offers) override;
+    void write(const QList<std::pair<PasteboardType, QByteArray>> &flavours) override;
+    void restore(const QList<PasteboardItem> &items) override;
+    PasteboardFetches fetches() override { return fetched; }
+
+    /// What the user or another program copies.
+    void copy(const QList<PasteboardItem> &items);
+    void copyText(const QString &text, const QString &html = {});
+
+    static QByteArray nameOf(PasteboardType type);
+
+    std::optional<QList<PasteboardItem>> contents = QList<PasteboardItem>();
+    qint64 count = 0;
+    PasteboardFetches fetched;
+};
+
+class FakeKeyboard : public Keyboard {
+public:
+    bool isTrusted() override { return trusted; }
+    bool isSecureInputActive() override { return secureInput; }
+    bool isPasswordFieldFocused(std::chrono::milliseconds) override { return passwordField; }
+    std::optional<KeyLayout> currentLayout() override { return layout; }
+    void settleHeldKeys() override { events.append(QStringLiteral("settle")); }
+    bool postPaste(quint16 vKey) override;
+    ScriptedPaste scriptedPaste() const override {
+        return {QStringLiteral("/usr/bin/keypresser"), {QStringLiteral("ctrl+v")}};
+    }
+
+    bool trusted = true;
+    bool secureInput = false;
+    bool passwordField = false;
+    bool canPost = true;
+    std::optional<KeyLayout> layout;
+    QStringList events; ///< "settle", "paste 9"
+    std::function<void()> onPaste;
+};
+
+class FakeHotkeys : public Hotkeys {
+public:
+    bool add(const KeyCombo &combo, std::function<void()> pressed) override;
+    void removeAll() override { registered.clear(); }
+
+    QList<std::pair<KeyCombo, std::function<void()>>> registered;
+    QList<KeyCombo> taken;
+};
+
+class FakeChildProcess : public ChildProcess {
+public:
+    ChildResult run(const QString &program, const QStringList &arguments) override;
+
+    ChildResult result;
+    QStringList runs;
+};
+
+class FakeNotifications : public Notifications {
+public:
+    void show(const QString &title, const QString &body,
+              std::function<void(const QString &)> failed) override;
+
+    QStringList shown; ///< "title|body"
+    QString failure;
+};
+
+class MemoryDefaults : public Defaults {
+public:
+    std::optional<QString> string(const QString &key) const override { return as<QString>(key); }
+    std::optional<qint64> integer(const QString &key) const override { return as<qint64>(key); }
+    std::optional<bool> boolean(const QString &key) const override { return as<bool>(key); }
+    std::optional<double> real(const QString &key) const override { return as<double>(key); }
+    std::optional<QByteArray> data(const QString &key) const override {
+        return as<QByteArray>(key);
+    }
+    void set(const QString &key, const QVariant &value) override { stored[key] = value; }
+    void remove(const QString &key) override { stored.remove(key); }
+    void onProblem(std::function<void(const QString &)>) override {}
+
+    QVariantHash stored;
+
+private:
+    template <class T>
+    std::optional<T> as(const QString &key) const {
+        const auto value = stored.constFind(key);
+        if (value == stored.constEnd() || value->typeId() != qMetaTypeId<T>())
+            return std::nullopt;
+        return value->template value<T>();
+    }
+};
+
+class MemorySecretStore : public SecretStore {
+public:
+    bool add(const QString &service, const QString &account, const QByteArray &secret) override;
+    std::optional<QByteArray> copy(const QString &service, const QString &account) override;
+    void remove(const QString &service, const QString &account) override;
+
+    QHash<QString, QByteArray> secrets; ///< by "service/account"
+    bool refusesAdditions = false;
+    int reads = 0;
+};
+
+class FakeAlerts : public Alerts {
+public:
+    void show(const Alert &alert, std::function<void(int)> chosen) override {
+        shown.append(alert);
+        chosen(answer);
+    }
+
+    QList<Alert> shown;
+    int answer = 1;
+};
+
+class FakeWorkspace : public Workspace {
+public:
+    QString openAccessibilitySettings() override {
+        ++opened;
+        return missing;
+    }
+
+    int opened = 0;
+    QString missing;
+};
+
+class FakeTrayHost : public TrayHost {
+public:
+    bool isAvailable() override { return false; }
+    void onChange(std::function<void()>) override {}
+};
+
+class FakeApp : public AppDelegate {
+public:
+    FakeApp() { publish(); }
+    void openPreferences() override { ++preferencesOpened; }
+    void refreshStatusItemImage() override { fetchingStates.append(isFetching()); }
+    void reinstallHotkey() override {}
+
+    int preferencesOpened = 0;
+    QList<bool> fetchingStates; ///< isFetching at each refresh of the icon
+};
+
+/// Installs fakes for every port and starts every shared instance afresh.
+struct FakePlatform {
+    FakePlatform();
+    ~FakePlatform();
+
+    /// The messages of the activity log since the last call.
+    QStringList takeLog();
+
+    std::shared_ptr<ManualDispatch> dispatch = std::make_shared<ManualDispatch>();
+    std::shared_ptr<FakePasteboard> pasteboard = std::make_shared<FakePasteboard>();
+    std::shared_ptr<FakeKeyboard> keyboard = std::make_shared<FakeKeyboard>();
+    std::shared_ptr<FakeHotkeys> hotkeys = std::make_shared<FakeHotkeys>();
+    std::shared_ptr<FakeChildProcess> childProcess = std::make_shared<FakeChildProcess>();
+    std::shared_ptr<FakeNotifications> notifications = std::make_shared<FakeNotifications>();
+    std::shared_ptr<MemoryDefaults> defaults = std::make_shared<MemoryDefaults>();
+    std::shared_ptr<MemorySecretStore> secretStore = std::make_shared<MemorySecretStore>();
+    std::shared_ptr<FakeAlerts> alerts = std::make_shared<FakeAlerts>();
+    std::shared_ptr<FakeWorkspace> workspace = std::make_shared<FakeWorkspace>();
+    FakeApp app;
+};

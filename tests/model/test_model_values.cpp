@@ -1,0 +1,255 @@
+#include "model/HotkeyFormat.h"
+#include "model/PasteFormat.h"
+#include "model/TemplateCatalog.h"
+#include "model/TypeEmojiMapping.h"
+
+#include <QSet>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+
+class TestModelValues : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void readsPasteFormats_data();
+    void readsPasteFormats();
+    void listsPasteFormats();
+    void namesKeys_data();
+    void namesKeys();
+    void namesEveryKeyOnce();
+    void describesHotkeys_data();
+    void describesHotkeys();
+    void convertsModifierFlags_data();
+    void convertsModifierFlags();
+    void findsEmoji_data();
+    void findsEmoji();
+    void keepsDefaultRows();
+    void storesMappings();
+    void decodesMappings_data();
+    void decodesMappings();
+    void listsPlaceholders();
+};
+
+void TestModelValues::readsPasteFormats_data() {
+    QTest::addColumn<QString>("raw");
+    QTest::addColumn<QString>("displayName");
+
+    QTest::newRow("rich link") << u"richLink"_s << u"Rich Link"_s;
+    QTest::newRow("Markdown") << u"markdown"_s << u"Markdown"_s;
+    QTest::newRow("plain text") << u"plainText"_s << u"Plain Text"_s;
+    QTest::newRow("URL only") << u"urlOnly"_s << u"URL Only"_s;
+    QTest::newRow("other letter case") << u"RichLink"_s << QString();
+    QTest::newRow("display name") << u"Rich Link"_s << QString();
+    QTest::newRow("empty") << u""_s << QString();
+}
+
+void TestModelValues::readsPasteFormats() {
+    QFETCH(QString, raw);
+    const auto format = PasteFormats::fromRawValue(raw);
+    QTEST(format ? PasteFormats::displayName(*format) : QString(), "displayName");
+    if (format)
+        QCOMPARE(PasteFormats::rawValue(*format), raw);
+}
+
+void TestModelValues::listsPasteFormats() {
+    const auto names = [](const auto &formats) {
+        QStringList list;
+        for (const PasteFormat format : formats)
+            list.append(PasteFormats::rawValue(format));
+        return list.join(u' ');
+    };
+    QCOMPARE(names(PasteFormats::allCases), u"richLink markdown plainText urlOnly"_s);
+    QCOMPARE(names(PasteFormats::linkFormats), u"richLink markdown plainText"_s);
+    QCOMPARE(names(PasteFormats::accountFormats), u"urlOnly richLink markdown plainText"_s);
+}
+
+void TestModelValues::namesKeys_data() {
+    QTest::addColumn<quint32>("keyCode");
+    QTest::addColumn<QString>("name");
+
+    // Codes that are easily swapped, and both ends of each group.
+    QTest::newRow("A, whose code is 0") << 0U << u"A"_s;
+    QTest::newRow("Y, not Z") << 16U << u"Y"_s;
+    QTest::newRow("Z, not Y") << 6U << u"Z"_s;
+    QTest::newRow("V") << 9U << u"V"_s;
+    QTest::newRow("5, out of sequence") << 23U << u"5"_s;
+    QTest::newRow("6, out of sequence") << 22U << u"6"_s;
+    QTest::newRow("0") << 29U << u"0"_s;
+    QTest::newRow("space bar") << 49U << u"Space"_s;
+    QTest::newRow("return") << 36U << u"\u21A9"_s;
+    QTest::newRow("tab") << 48U << u"\u21E5"_s;
+    QTest::newRow("escape") << 53U << u"\u238B"_s;
+    QTest::newRow("function key") << 122U << u"key 122"_s;
+    QTest::newRow("beyond every keyboard") << 4294967295U << u"key 4294967295"_s;
+}
+
+void TestModelValues::namesKeys() {
+    QFETCH(quint32, keyCode);
+    QTEST(HotkeyFormat::keyCodeToString(keyCode), "name");
+}
+
+void TestModelValues::namesEveryKeyOnce() {
+    QSet<QString> names;
+    for (quint32 keyCode = 0; keyCode < 128; ++keyCode) {
+        const QString name = HotkeyFormat::keyCodeToString(keyCode);
+        if (!name.startsWith(u"key "_s))
+            names.insert(name);
+    }
+    QCOMPARE(names.size(), 40);
+    for (const QChar character : u"ABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789"_s)
+        QVERIFY2(names.contains(QString(character)), qPrintable(QString(character)));
+}
+
+void TestModelValues::describesHotkeys_data() {
+    QTest::addColumn<quint32>("keyCode");
+    QTest::addColumn<quint32>("modifiers");
+    QTest::addColumn<QString>("text");
+
+    QTest::newRow("default hotkey") << 9U << 6400U << u"\u2303\u2325\u2318V"_s;
+    QTest::newRow("every modifier") << 49U << 0x1B00U << u"\u2303\u2325\u21E7\u2318Space"_s;
+    QTest::newRow("bits that are no modifier") << 9U << 0xFFFFE4FFU << u"V"_s;
+}
+
+void TestModelValues::describesHotkeys() {
+    QFETCH(quint32, keyCode);
+    QFETCH(quint32, modifiers);
+    QTEST(HotkeyFormat::describe(keyCode, modifiers), "text");
+}
+
+void TestModelValues::convertsModifierFlags_data() {
+    QTest::addColumn<quint32>("flags");
+    QTest::addColumn<quint32>("modifiers");
+
+    QTest::newRow("none") << 0U << 0U;
+    QTest::newRow("shift") << 0x20000U << HotkeyFormat::shiftKey;
+    QTest::newRow("control") << 0x40000U << HotkeyFormat::controlKey;
+    QTest::newRow("option") << 0x80000U << HotkeyFormat::optionKey;
+    QTest::newRow("command") << 0x100000U << HotkeyFormat::cmdKey;
+    QTest::newRow("all, with locks and device bits") << 0xFFFFFFFFU << 0x1B00U;
+    QTest::newRow("caps lock, number pad, help, function") << 0xE10000U << 0U;
+}
+
+void TestModelValues::convertsModifierFlags() {
+    QFETCH(quint32, flags);
+    QTEST(HotkeyFormat::carbonModifiers(flags), "modifiers");
+}
+
+void TestModelValues::findsEmoji_data() {
+    QTest::addColumn<QList<TypeEmojiMapping>>("mappings");
+    QTest::addColumn<QString>("type");
+    QTest::addColumn<QString>("emoji");
+
+    const QList<TypeEmojiMapping> &defaults = defaultTypeEmojiMappings();
+    QTest::newRow("default row") << defaults << u"Bug"_s << u"\U0001F41B"_s;
+    QTest::newRow("other letter case") << defaults << u"bUG"_s << u"\U0001F41B"_s;
+    QTest::newRow("with its hyphen") << defaults << u"sub-task"_s << u"\U0001F517"_s;
+    QTest::newRow("without its hyphen") << defaults << u"Subtask"_s << QString();
+    QTest::newRow("empty list") << QList<TypeEmojiMapping>{} << u"Bug"_s << QString();
+
+    using Mapping = TypeEmojiMapping;
+    const QList<Mapping> twice{{.type = u"Story"_s, .emoji = u"A"_s},
+                               {.type = u"story"_s, .emoji = u"B"_s}};
+    QTest::newRow("first of two") << twice << u"Story"_s << u"A"_s;
+    const QList<Mapping> spaced{{.type = u"Bug "_s, .emoji = u"A"_s}};
+    QTest::newRow("row with a space") << spaced << u"Bug"_s << QString();
+    const QList<Mapping> accented{{.type = u"\u00C9PIC"_s, .emoji = u"A"_s}};
+    QTest::newRow("letters beyond ASCII") << accented << u"\u00E9pic"_s << u"A"_s;
+    const QList<Mapping> untyped{{.type = u""_s, .emoji = u"A"_s}};
+    QTest::newRow("row without a type, issue without one") << untyped << u""_s << u"A"_s;
+}
+
+void TestModelValues::findsEmoji() {
+    QFETCH(QList<TypeEmojiMapping>, mappings);
+    QFETCH(QString, type);
+    QTEST(emojiForType(mappings, type), "emoji");
+}
+
+void TestModelValues::keepsDefaultRows() {
+    const QList<TypeEmojiMapping> &first = defaultTypeEmojiMappings();
+    QCOMPARE(defaultTypeEmojiMappings(), first);
+    QStringList rows;
+    QSet<QUuid> ids;
+    for (const TypeEmojiMapping &row : first) {
+        rows.append(row.type + u' ' + row.emoji);
+        ids.insert(row.id);
+    }
+    QCOMPARE(rows.join(u", "), u"Bug \U0001F41B, Story \U0001F4D6, Task \u2705, Epic \U0001F3AF, "
+                               u"Sub-task \U0001F517"_s);
+    QCOMPARE(ids.size(), 5);
+    QVERIFY(!ids.contains(QUuid()));
+}
+
+void TestModelValues::storesMappings() {
+    QList<TypeEmojiMapping> mappings = defaultTypeEmojiMappings();
+    mappings.append({QUuid(), u"a\"\\/\n\u00E4"_s, u""_s});
+    QCOMPARE(decodeTypeEmojiMappings(encodeTypeEmojiMappings(mappings)), mappings);
+    QCOMPARE(decodeTypeEmojiMappings(encodeTypeEmojiMappings({})), QList<TypeEmojiMapping>());
+
+    const QUuid id(u"{abcdef01-2345-6789-abcd-ef0123456789}"_s);
+    QVERIFY(encodeTypeEmojiMappings({{id, u"Bug"_s, u"x"_s}})
+                .contains("\"ABCDEF01-2345-6789-ABCD-EF0123456789\""));
+}
+
+void TestModelValues::decodesMappings_data() {
+    QTest::addColumn<QByteArray>("json");
+    QTest::addColumn<bool>("decodes");
+
+    const auto row = [](const char *name, const QByteArray &json, bool decodes) {
+        QTest::newRow(name) << json << decodes;
+    };
+    const auto withId = [](const QByteArray &id) -> QByteArray {
+        return "[{\"emoji\":\"x\",\"type\":\"Bug\",\"id\":" + id + "}]";
+    };
+    const QByteArray rest = ",\"id\":\"ABCDEF01-2345-6789-ABCD-EF0123456789\"}]";
+    row("upper-case id", withId("\"ABCDEF01-2345-6789-ABCD-EF0123456789\""), true);
+    row("lower-case id", withId("\"abcdef01-2345-6789-abcd-ef0123456789\""), true);
+    row("id of zeros", withId("\"00000000-0000-0000-0000-000000000000\""), true);
+    row("unknown member besides", "[{\"type\":\"Bug\",\"emoji\":\"x\",\"more\":1" + rest, true);
+    row("id in braces", withId("\"{abcdef01-2345-6789-abcd-ef0123456789}\""), false);
+    row("id without hyphens", withId("\"abcdef0123456789abcdef0123456789\""), false);
+    row("hyphens in other places", withId("\"abcdef012-345-6789-abcd-ef0123456789\""), false);
+    row("id with a letter beyond f", withId("\"gbcdef01-2345-6789-abcd-ef0123456789\""), false);
+    row("id with a line feed", withId("\"abcdef01-2345-6789-abcd-ef0123456789\\n\""), false);
+    row("id is a number", withId("1"), false);
+    row("no id", "[{\"type\":\"Bug\",\"emoji\":\"x\"}]", false);
+    row("no emoji", "[{\"type\":\"Bug\"" + rest, false);
+    row("no type", "[{\"emoji\":\"x\"" + rest, false);
+    row("emoji is null", "[{\"type\":\"Bug\",\"emoji\":null" + rest, false);
+    row("type is a number", "[{\"type\":1,\"emoji\":\"x\"" + rest, false);
+    row("row is a text", "[\"Bug\"]", false);
+    row("an object", "{}", false);
+    row("no JSON", "[", false);
+    row("no bytes", "", false);
+    row("second row broken", withId("\"ABCDEF01-2345-6789-ABCD-EF0123456789\"").chopped(1) + ",{}]",
+        false);
+}
+
+void TestModelValues::decodesMappings() {
+    QFETCH(QByteArray, json);
+    QFETCH(bool, decodes);
+    const auto mappings = decodeTypeEmojiMappings(json);
+    QCOMPARE(mappings.has_value(), decodes);
+    if (decodes) {
+        QCOMPARE(mappings->size(), 1);
+        QCOMPARE(mappings->first().type, u"Bug"_s);
+        QCOMPARE(mappings->first().emoji, u"x"_s);
+    }
+}
+
+void TestModelValues::listsPlaceholders() {
+    const auto tokens = [](const QList<TemplatePlaceholder> &placeholders) {
+        QStringList list;
+        for (const TemplatePlaceholder &placeholder : placeholders)
+            list.append(placeholder.id());
+        return list.join(u' ');
+    };
+    QCOMPARE(tokens(TemplateCatalog::placeholders()),
+             u"{key} {type} {TYPE} {summary} {status} {STATUS} {type-emoji} {commenter-name} "
+             u"{commenttext} {comment-emoji} <c> </c> <i> </i> <b> </b>"_s);
+    QCOMPARE(tokens(TemplateCatalog::confluencePlaceholders()),
+             u"{title} {space} {type} {id} <i> </i> <b> </b>"_s);
+}
+
+QTEST_GUILESS_MAIN(TestModelValues)
+#include "test_model_values.moc"

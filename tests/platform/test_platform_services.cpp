@@ -1,0 +1,90 @@
+#include "platform/linux/AccessibleFocus.h"
+#include "platform/linux/DBusNotifications.h"
+#include "platform/linux/SecretServiceStore.h"
+#include "support/Helpers.h"
+#include "support/NotificationLog.h"
+#include "support/TestDesktop.h"
+
+#include <QElapsedTimer>
+#include <QTest>
+
+using namespace std::chrono_literals;
+
+/// The services of a desktop. The session bus of a process is fixed once used, so all of them share
+/// one desktop.
+class TestServices : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase() {
+        m_desktop = std::make_unique<TestDesktop>(
+            DesktopOptions{.notifications = true, .keyring = true, .accessibility = true});
+        QVERIFY2(m_desktop->problem().isEmpty(), qPrintable(m_desktop->problem()));
+        for (const char *name : {"DISPLAY", "DBUS_SESSION_BUS_ADDRESS", "XDG_RUNTIME_DIR"})
+            qputenv(name, m_desktop->environment().value(name).toLocal8Bit());
+    }
+
+    void cleanupTestCase() { m_desktop.reset(); }
+
+    void notificationTextIsShownAsItIs() {
+        const NotificationLog shown(m_desktop->busAddress());
+        QVERIFY2(shown.problem().isEmpty(), qPrintable(shown.problem()));
+        DBusNotifications notifications;
+        QStringList failures;
+        const auto failed = [&](const QString &reason) { failures.append(reason); };
+        notifications.show("Brindle", "a <b> & \"c\" é 🐞", failed);
+        notifications.show("Brindle & Co", "2", failed);
+        QVERIFY(shown.waitForAccepted(2));
+        const auto first = shown.notifications().constFirst();
+        QCOMPARE(first.application, "Brindle");
+        QCOMPARE(first.title, "Brindle");
+        QCOMPARE(first.body, "a &lt;b&gt; &amp; \"c\" é 🐞"); // this server takes markup
+        QCOMPARE(shown.notifications().constLast().title, "Brindle & Co");
+        QVERIFY(failures.isEmpty());
+    }
+
+    void secretsAreKeptApartReplacedAndRemoved() {
+        SecretServiceStore store;
+        const QString service = "org.ostrowind.brindle";
+        QVERIFY(!store.copy(service, "a"));
+        QVERIFY(store.add(service, "a", "one\n é"));
+        QVERIFY(store.add(service, "b", "two"));
+        QCOMPARE(store.copy(service, "a"), QByteArray("one\n é"));
+        store.remove(service, "a");
+        QVERIFY(!store.copy(service, "a"));
+        QCOMPARE(store.copy(service, "b"), QByteArray("two"));
+    }
+
+    void passwordFieldInFocusIsFound() {
+        PasteTarget target(*m_desktop);
+        QVERIFY(!target.waitForEvent("focused").isEmpty());
+        QVERIFY(!AccessibleFocus::isPasswordField(5s));
+        QVERIFY(target.command("password on"));
+        // The application tells the accessibility bus in its own time.
+        QVERIFY(waitFor([] { return AccessibleFocus::isPasswordField(5s); }));
+        QVERIFY(target.command("password off"));
+        QVERIFY(waitFor([] { return !AccessibleFocus::isPasswordField(5s); }));
+    }
+
+    // Last: the bus goes away with the desktop.
+    void withoutTheServicesNothingHangs() {
+        m_desktop.reset();
+        QElapsedTimer timer;
+        timer.start();
+        SecretServiceStore store;
+        QVERIFY(!store.add("s", "a", "x"));
+        QVERIFY(!store.copy("s", "a"));
+        QVERIFY(!AccessibleFocus::isPasswordField(1s));
+        DBusNotifications notifications;
+        QString failure;
+        notifications.show("t", "b", [&](const QString &reason) { failure = reason; });
+        QVERIFY(waitFor([&] { return !failure.isEmpty(); }));
+        QVERIFY2(timer.elapsed() < 15000, qPrintable(QString::number(timer.elapsed())));
+    }
+
+private:
+    std::unique_ptr<TestDesktop> m_desktop;
+};
+
+QTEST_MAIN(TestServices)
+#include "test_platform_services.moc"

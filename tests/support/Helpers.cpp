@@ -1,0 +1,74 @@
+#include "support/Helpers.h"
+
+#include <QJsonArray>
+#include <QTemporaryFile>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+PasteTarget::PasteTarget(const TestDesktop &desktop, const QStringList &arguments)
+    : TestProcess(desktop.environment()) {
+    launch(QStringLiteral(PASTE_TARGET_PROGRAM), arguments);
+}
+
+bool PasteTarget::hasFocus() const {
+    // From the lines, as events may have been forgotten since.
+    return lines().lastIndexOf(u"{\"event\":\"focused\"}"_s) >
+           lines().lastIndexOf(u"{\"event\":\"unfocused\"}"_s);
+}
+
+std::optional<Paste> PasteTarget::waitForPaste(qsizetype place, int milliseconds) {
+    const QJsonObject event = waitForEvent(u"paste"_s, place, milliseconds);
+    if (event.isEmpty())
+        return std::nullopt;
+    Paste paste{event[u"via"].toString(),
+                {},
+                event[u"text"].toString(),
+                event[u"html"].toString(),
+                QByteArray::fromBase64(event[u"rtf"].toString().toLatin1())};
+    for (const auto &format : event[u"formats"].toArray())
+        paste.formats.append(format.toString());
+    return paste;
+}
+
+qsizetype PasteTarget::pasteCount() const {
+    return events(u"paste"_s).size();
+}
+
+QString PasteTarget::typed() const {
+    QString text;
+    for (const QJsonObject &event : events(u"typed"_s))
+        text += event[u"text"].toString();
+    return text;
+}
+
+bool PasteTarget::command(const QString &line) {
+    const qsizetype before = events(u"done"_s).size();
+    send(line);
+    return waitForEvent(u"done"_s, before)[u"ok"].toBool();
+}
+
+ClipboardOwner::ClipboardOwner(const TestDesktop &desktop, const QList<OwnedFlavour> &flavours,
+                               const QStringList &arguments)
+    : TestProcess(desktop.environment()) {
+    QStringList all = arguments;
+    std::vector<std::unique_ptr<QTemporaryFile>> files; // read before it owns the clipboard
+    for (const OwnedFlavour &flavour : flavours) {
+        auto &file = files.emplace_back(
+            std::make_unique<QTemporaryFile>(desktop.home() + u"/tmp/flavour"_s));
+        if (!file->open() || file->write(flavour.data) != flavour.data.size() || !file->flush()) {
+            setErrorString(file->errorString());
+            return;
+        }
+        const QString type = flavour.type.isEmpty() ? flavour.name : flavour.type;
+        all += {u"--flavour"_s, u"%1>%2=@%3"_s.arg(flavour.name, type, file->fileName())};
+    }
+    if (launch(QStringLiteral(CLIPBOARD_OWNER_PROGRAM), all))
+        waitForEvent(u"owned"_s);
+}
+
+bool ClipboardOwner::ownsClipboard() const {
+    return state() == QProcess::Running && events(u"owned"_s).size() == 1 &&
+           events(u"cleared"_s).isEmpty();
+}
