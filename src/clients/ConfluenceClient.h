@@ -2,12 +2,14 @@
 
 #include "model/ConfluenceRef.h"
 
+#include <QString>
 #include <QStringView>
 
 #include <functional>
 #include <optional>
 
-/// Confluence pages and blog posts: links to them, and what the site says about them.
+/// Confluence pages and blog posts: links to them, and what the site says about them. No operation
+/// logs or keeps a credential.
 namespace ConfluenceClient {
 
 /// The page or blog post that `from`, one whole candidate text, links to on the site of the setting
@@ -21,10 +23,21 @@ struct ConfluenceFetchResult {
     std::optional<QString> error;
 };
 
-/// Fetches the title of a page or blog post. Calls `completion` once, on any thread. Background
-/// threads only.
+/// Fetches the title of a page or blog post. Calls `completion` once, on the session's thread or,
+/// when no request could be sent, on the calling one. May block for a discovery; background threads
+/// only.
 void fetchPage(const QString &pageId, const QString &baseURL, const QString &email,
                const QString &token,
                const std::function<void(const ConfluenceFetchResult &)> &completion);
+
+/// `error` is a message for the user, present exactly when it is not ok.
+struct ProbeResult {
+    bool ok = false;
+    std::optional<QString> error;
+};
+
+/// Whether the credentials may read pages on that site. Blocks for 15 seconds at most; background
+/// threads only.
+ProbeResult probeToken(const QString &cloudId, const QString &email, const QString &token);
 
 } // namespace ConfluenceClient

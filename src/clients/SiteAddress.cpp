@@ -1,12 +1,15 @@
 #include "clients/SiteAddress.h"
 
+QString SiteAddress::withoutSlashes(QStringView baseURL) {
+    while (baseURL.startsWith(u'/'))
+        baseURL = baseURL.sliced(1);
+    while (baseURL.endsWith(u'/'))
+        baseURL.chop(1);
+    return baseURL.toString();
+}
+
 std::optional<SiteAddress> SiteAddress::parse(const QString &baseURL) {
-    QStringView site(baseURL);
-    while (site.startsWith(u'/'))
-        site = site.sliced(1);
-    while (site.endsWith(u'/'))
-        site.chop(1);
-    const QString text = site.toString();
+    const QString text = withoutSlashes(baseURL);
     const std::optional<QUrl> url = urlWithHost(text);
     if (!url)
         return std::nullopt;

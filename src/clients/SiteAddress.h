@@ -14,6 +14,9 @@ struct SiteAddress {
 
     /// The site of the setting `baseURL`; nothing if that is no URL with a host.
     static std::optional<SiteAddress> parse(const QString &baseURL);
+
+    /// The setting `baseURL` without leading and trailing "/", whatever else it is.
+    static QString withoutSlashes(QStringView baseURL);
 };
 
 /// `text` as a URL, read strictly; nothing if it is none, or has no host.

@@ -25,6 +25,17 @@ private:
     std::shared_ptr<bool> m_cancelled;
 };
 
+/// A counting semaphore that starts at 0. Any thread.
+class Semaphore {
+public:
+    virtual ~Semaphore() = default;
+
+    virtual void signal() = 0;
+
+    /// Blocks until signalled; false when `timeout` passed first.
+    virtual bool wait(std::chrono::milliseconds timeout) = 0;
+};
+
 /// Queues and time. Every operation may be called from any thread unless it says otherwise.
 class Dispatch {
 public:
@@ -52,4 +63,6 @@ public:
 
     /// Blocks the calling (background) thread until `time`; returns at once if it has passed.
     virtual void sleepUntil(Clock::time_point time) = 0;
+
+    virtual std::shared_ptr<Semaphore> makeSemaphore() = 0;
 };

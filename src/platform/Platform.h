@@ -10,6 +10,7 @@
 #include "platform/Pasteboard.h"
 #include "platform/SecretStore.h"
 #include "platform/TrayHost.h"
+#include "platform/UrlSession.h"
 #include "platform/Workspace.h"
 
 #include <memory>
@@ -28,6 +29,7 @@ struct Platform {
     std::shared_ptr<Alerts> alerts;
     std::shared_ptr<Workspace> workspace;
     std::shared_ptr<TrayHost> trayHost;
+    std::shared_ptr<UrlSession> urlSession;
 
     /// The ports in force. Only after install().
     static Platform &current();

@@ -9,6 +9,7 @@
 #include <QVariant>
 
 #include <functional>
+#include <mutex>
 #include <optional>
 
 class Defaults;
@@ -35,6 +36,11 @@ public:
     Setting(const Setting &) = delete;
 
     const T &operator()() const { return m_value; }
+    /// The value, for other threads than the main one.
+    T copy() const {
+        const std::scoped_lock lock(m_mutex);
+        return m_value;
+    }
     Setting &operator=(const T &value);
     Setting &operator=(const Setting &) = delete;
 
@@ -42,5 +48,6 @@ private:
     Settings &m_owner;
     QString m_key;
     T m_value;
+    mutable std::mutex m_mutex; ///< held while the value changes and while it is copied
     AfterStore m_afterStore;
 };

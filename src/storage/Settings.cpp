@@ -102,7 +102,10 @@ Setting<T>::Setting(Settings &owner, const QString &key, const Load &load, After
 template <class T>
 Setting<T> &Setting<T>::operator=(const T &value) {
     Q_EMIT m_owner.willChange();
-    const T previous = std::exchange(m_value, value);
+    const T previous = [&] {
+        const std::scoped_lock lock(m_mutex);
+        return std::exchange(m_value, value);
+    }();
     if (const auto stored = storedForm(m_value))
         store().set(m_key, *stored);
     else

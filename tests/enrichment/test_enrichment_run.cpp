@@ -35,6 +35,21 @@ struct Scene : FakePlatform {
         };
     }
 
+    /// What the gateway answers; an empty body stands for status 404.
+    void answer(const QByteArray &issueBody, const QByteArray &pageBody,
+                const QByteArray &commentBody) {
+        const QString gateway = "https://api.atlassian.com/ex/";
+        const QString issuePath = gateway + "jira/c-1/rest/api/3/issue/ABC-1";
+        const auto response = [](const QByteArray &body) {
+            return UrlResponse{body.isEmpty() ? 404 : 200, body, {}};
+        };
+        Settings::shared().cloudId = "c-1";
+        urlSession->answers = {
+            {issuePath + "?fields=summary,issuetype,status", response(issueBody)},
+            {issuePath + "/comment/77", response(commentBody)},
+            {gateway + "confluence/c-1/wiki/api/v2/pages/12", response(pageBody)}};
+    }
+
     QString clipboard() { return pasteboard->text(PasteboardType::String).value_or("(none)"); }
 
     QString pasted; ///< what the application in front got
@@ -171,28 +186,70 @@ private Q_SLOTS:
             QCOMPARE(scene.secretStore->reads, 0);
     }
 
+    void fetchedTitleIsPasted_data() {
+        QTest::addColumn<QString>("copied");
+        QTest::addColumn<QString>("pasted");
+        QTest::addColumn<QString>("label");
+        QTest::newRow("issue") << "http://H.example/browse/abc-1/?x=1"
+                               << "[ABC-1 - BUG - Crash](" + issue + ")"
+                               << "ABC-1";
+        QTest::newRow("comment") << issue + "?focusedCommentId=77"
+                                 << "[ABC-1 *Ann* - BUG - Crash](" + issue + "?focusedCommentId=77)"
+                                 << "ABC-1";
+        QTest::newRow("page") << page << "[**Plan** ENG Page 12](" + page + ")"
+                              << "confluence page 12";
+        const QString blog = "https://h.example/wiki/spaces/ENG/blog/2026/01/02/12/t";
+        QTest::newRow("blog post") << blog << "[**Plan** ENG Blog 12](" + blog + ")"
+                                   << "confluence page 12";
+    }
+
+    void fetchedTitleIsPasted() {
+        QFETCH(QString, copied);
+        QFETCH(QString, pasted);
+        QFETCH(QString, label);
+        Scene scene(copied);
+        scene.answer(R"({"fields":{"summary":"Crash","issuetype":{"name":"Bug"}}})",
+                     R"({"title":"Plan"})", R"({"author":{"displayName":"Ann Lee"}})");
+        Enrichment::run(true);
+        QVERIFY(scene.app.isFetching());
+        // Templates and format are those in force when the title arrives.
+        Settings::shared().displayTemplate = "{key}<c> {commenter-name}</c> - {TYPE} - {summary}";
+        Settings::shared().confluenceTemplate = "<b>{title}</b> {space} {type} {id}";
+        Settings::shared().pasteFormat = PasteFormat::Markdown;
+        scene.dispatch->advance(3s);
+        QCOMPARE(scene.pasted, pasted);
+        QCOMPARE(scene.clipboard(), copied);
+        QCOMPARE(scene.app.fetchingStates, QList<bool>({true, false}));
+        QVERIFY(scene.takeLog().contains("enrich: clipboard updated for " + label +
+                                         " (format=markdown)"));
+    }
+
     void failedFetchLeavesTheClipboardAlone_data() {
         QTest::addColumn<QString>("copied");
-        QTest::addColumn<QString>("logStart");
-        QTest::newRow("issue") << issue << "enrich: fetch failed (";
-        QTest::newRow("page") << page << "enrich: confluence fetch failed (";
+        QTest::addColumn<QString>("error");
+        QTest::addColumn<QString>("log");
+        QTest::newRow("issue") << issue << "Jira returned HTTP 404"
+                               << "enrich: fetch failed (Jira returned HTTP 404)";
+        QTest::newRow("page") << page << "Confluence returned HTTP 404"
+                              << "enrich: confluence fetch failed (Confluence returned HTTP 404)";
     }
 
     void failedFetchLeavesTheClipboardAlone() {
         QFETCH(QString, copied);
-        QFETCH(QString, logStart);
+        QFETCH(QString, error);
+        QFETCH(QString, log);
         Scene scene(copied);
+        scene.answer({}, {}, {});
         Enrichment::run(true);
-        QVERIFY(scene.app.isFetching());
         Enrichment::run(true);
         scene.dispatch->advance(3s);
         QCOMPARE(scene.app.fetchingStates, QList<bool>({true, false}));
         QCOMPARE(scene.clipboard(), copied);
-        QCOMPARE(scene.notifications->shown.size(), 1);
+        QCOMPARE(scene.notifications->shown, QStringList("Brindle|" + error));
         QVERIFY(scene.keyboard->events.isEmpty());
-        const QStringList log = scene.takeLog();
-        QCOMPARE(log[3], "enrich: a fetch is already in flight — ignoring re-trigger");
-        QVERIFY(log[4].startsWith(logStart));
+        const QStringList lines = scene.takeLog();
+        QCOMPARE(lines[3], "enrich: a fetch is already in flight — ignoring re-trigger");
+        QVERIFY(lines.contains(log));
     }
 
     void secondPressDuringAPasteIsIgnored() {

@@ -5,6 +5,33 @@
 #include "storage/LogStore.h"
 #include "storage/Settings.h"
 
+namespace {
+
+/// Time passes for who waits in vain.
+class ManualSemaphore : public Semaphore {
+public:
+    explicit ManualSemaphore(ManualDispatch &dispatch) : m_dispatch(dispatch) {}
+    void signal() override { ++m_count; }
+    bool wait(std::chrono::milliseconds timeout) override {
+        if (m_count > 0) {
+            --m_count;
+            return true;
+        }
+        m_dispatch.sleepUntil(m_dispatch.now() + timeout);
+        return false;
+    }
+
+private:
+    ManualDispatch &m_dispatch;
+    int m_count = 0;
+};
+
+} // namespace
+
+std::shared_ptr<Semaphore> ManualDispatch::makeSemaphore() {
+    return std::make_shared<ManualSemaphore>(*this);
+}
+
 WorkItem ManualDispatch::after(std::chrono::milliseconds delay, Task task) {
     auto cancelled = std::make_shared<bool>(false);
     m_timers.append({m_now + delay, cancelled, std::move(task)});
@@ -174,6 +201,14 @@ void MemorySecretStore::remove(const QString &service, const QString &account) {
     secrets.remove(service + u'/' + account);
 }
 
+UrlSession::TaskId FakeUrlSession::start(const UrlRequest &request, Completion completion) {
+    requests.append(request);
+    const auto answer = answers.constFind(request.url.toString(QUrl::FullyEncoded));
+    if (answer != answers.constEnd())
+        completion(*answer);
+    return static_cast<TaskId>(requests.size());
+}
+
 FakePlatform::FakePlatform() {
     Platform platform;
     platform.dispatch = dispatch;
@@ -186,6 +221,7 @@ FakePlatform::FakePlatform() {
     platform.secretStore = secretStore;
     platform.alerts = alerts;
     platform.workspace = workspace;
+    platform.urlSession = urlSession;
     platform.trayHost = std::make_shared<FakeTrayHost>();
     Platform::install(std::move(platform));
     Settings::restart();

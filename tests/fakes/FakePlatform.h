@@ -18,6 +18,7 @@ public:
     Clock::time_point now() const override { return m_now; }
     QDateTime wallTime() const override { return m_wall; }
     void sleepUntil(Clock::time_point time) override { m_now = std::max(m_now, time); }
+    std::shared_ptr<Semaphore> makeSemaphore() override;
 
     /// Runs everything queued, background work included, and every timer that is due.
     void drain();
@@ -170,6 +171,20 @@ public:
     QString missing;
 };
 
+/// Answers each request at once from a script, or never.
+class FakeUrlSession : public UrlSession {
+public:
+    TaskId start(const UrlRequest &request, Completion completion) override;
+    void cancel(TaskId task) override { cancelled.append(task); }
+    void prepareConnection(const QUrl &url) override { prepared.append(url.toString()); }
+
+    /// By URL; a URL that is not in it is never answered.
+    QHash<QString, UrlResponse> answers;
+    QList<UrlRequest> requests;
+    QList<TaskId> cancelled;
+    QStringList prepared;
+};
+
 class FakeTrayHost : public TrayHost {
 public:
     bool isAvailable() override { return false; }
@@ -205,5 +220,6 @@ struct FakePlatform {
     std::shared_ptr<MemorySecretStore> secretStore = std::make_shared<MemorySecretStore>();
     std::shared_ptr<FakeAlerts> alerts = std::make_shared<FakeAlerts>();
     std::shared_ptr<FakeWorkspace> workspace = std::make_shared<FakeWorkspace>();
+    std::shared_ptr<FakeUrlSession> urlSession = std::make_shared<FakeUrlSession>();
     FakeApp app;
 };

@@ -5,6 +5,7 @@
 #include "platform/linux/QtAlerts.h"
 #include "platform/linux/QtChildProcess.h"
 #include "platform/linux/QtDispatch.h"
+#include "platform/linux/QtUrlSession.h"
 #include "platform/linux/SecretServiceStore.h"
 #include "platform/linux/SettingsFile.h"
 #include "platform/linux/StatusNotifierTrayHost.h"
@@ -30,5 +31,6 @@ Platform makeLinuxPlatform() {
     platform.alerts = std::make_unique<QtAlerts>();
     platform.workspace = std::make_unique<DesktopWorkspace>();
     platform.trayHost = std::make_unique<StatusNotifierTrayHost>(x11);
+    platform.urlSession = std::make_shared<QtUrlSession>();
     return platform;
 }

@@ -1,9 +1,25 @@
 #include "platform/linux/QtDispatch.h"
 
+#include <QSemaphore>
 #include <QThread>
 #include <QTimer>
 
 #include <thread>
+
+namespace {
+
+class QtSemaphore : public Semaphore {
+public:
+    void signal() override { m_semaphore.release(); }
+    bool wait(std::chrono::milliseconds timeout) override {
+        return m_semaphore.tryAcquire(1, static_cast<int>(timeout.count()));
+    }
+
+private:
+    QSemaphore m_semaphore;
+};
+
+} // namespace
 
 QtDispatch::QtDispatch() {
     // Room for a fetch, a probe and a paste at once, each of which may block for seconds.
@@ -46,4 +62,8 @@ QDateTime QtDispatch::wallTime() const {
 
 void QtDispatch::sleepUntil(Clock::time_point time) {
     std::this_thread::sleep_until(time);
+}
+
+std::shared_ptr<Semaphore> QtDispatch::makeSemaphore() {
+    return std::make_shared<QtSemaphore>();
 }

@@ -18,6 +18,7 @@ public:
     Clock::time_point now() const override;
     QDateTime wallTime() const override;
     void sleepUntil(Clock::time_point time) override;
+    std::shared_ptr<Semaphore> makeSemaphore() override;
 
 private:
     QObject m_mainContext;

@@ -1,0 +1,39 @@
+#include "clients/Gateway.h"
+
+#include "clients/JiraClient.h"
+
+#include <QJsonDocument>
+
+QString Gateway::origin() {
+    return QStringLiteral("https://api.atlassian.com");
+}
+
+std::optional<QUrl> Gateway::url(const QString &text) {
+    const QUrl url(text, QUrl::StrictMode);
+    return url.isValid() ? std::optional(url) : std::nullopt;
+}
+
+UrlRequest Gateway::anonymousRequest(const QUrl &url) {
+    return {url, {{"Accept", "application/json"}}};
+}
+
+UrlRequest Gateway::authorizedRequest(const QUrl &url, const QString &email, const QString &token) {
+    UrlRequest request = anonymousRequest(url);
+    request.headers.append({"Authorization", JiraClient::basicAuthHeader(email, token)});
+    return request;
+}
+
+std::optional<QJsonObject> Gateway::jsonObject(const QByteArray &body) {
+    const QJsonDocument document = QJsonDocument::fromJson(body);
+    return document.isObject() ? std::optional(document.object()) : std::nullopt;
+}
+
+std::optional<QString> Gateway::stringMember(const QJsonObject &object, QLatin1StringView name) {
+    const QJsonValue value = object.value(name);
+    return value.isString() ? std::optional(value.toString()) : std::nullopt;
+}
+
+std::optional<QString> Gateway::stringMember(const QJsonObject &object, QLatin1StringView member,
+                                             QLatin1StringView name) {
+    return stringMember(object.value(member).toObject(), name);
+}
