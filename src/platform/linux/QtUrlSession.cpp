@@ -154,7 +154,8 @@ QtUrlSession::~QtUrlSession() {
             const QList<Task *> tasks = m_tasks.values();
             for (Task *task : tasks)
                 task->fail(QStringLiteral("Brindle is quitting."));
-            qDeleteAll(m_context.findChildren<Task *>());
+            const QObjectList ended = m_context.children();
+            qDeleteAll(ended);
             m_manager.reset();
             m_context.moveToThread(nullptr);
         },
@@ -196,10 +197,13 @@ void QtUrlSession::cancel(TaskId task) {
 void QtUrlSession::prepareConnection(const QUrl &url) {
     onThread([this, url] {
         const QNetworkRequest request = networkRequest({url, {}, {}});
-        // The very configuration of the requests to come, or they would open one of their own.
+        // Only with the protocols offered that a request offers does it find this connection.
+        QSslConfiguration configuration = request.sslConfiguration();
+        configuration.setAllowedNextProtocols(
+            {QSslConfiguration::ALPNProtocolHTTP2, QSslConfiguration::NextProtocolHttp1_1});
         manager().connectToHostEncrypted(request.url().host(),
                                          static_cast<quint16>(request.url().port(443)),
-                                         request.sslConfiguration(), request.peerVerifyName());
+                                         configuration, request.peerVerifyName());
     });
 }
 

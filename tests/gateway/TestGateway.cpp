@@ -1,0 +1,99 @@
+#include "gateway/TestGateway.h"
+
+#include <QFile>
+#include <QPointer>
+#include <QProcess>
+#include <QSslCertificate>
+#include <QSslConfiguration>
+#include <QSslKey>
+#include <QSslSocket>
+#include <QTimer>
+
+#include <memory>
+
+TestGateway::TestGateway(const QStringList &names) {
+    makeCertificate(names);
+    QFile key(m_folder.filePath("key.pem"));
+    if (!key.open(QFile::ReadOnly)) {
+        m_problem = "openssl made no certificate: " + m_problem;
+        return;
+    }
+    QSslConfiguration configuration = QSslConfiguration::defaultConfiguration();
+    configuration.setLocalCertificateChain(QSslCertificate::fromPath(certificate()));
+    configuration.setPrivateKey(QSslKey(&key, QSsl::Ec));
+    configuration.setPeerVerifyMode(QSslSocket::VerifyNone);
+    setSslConfiguration(configuration);
+    connect(this, &QTcpServer::pendingConnectionAvailable, this, &TestGateway::accept);
+    if (!listen(QHostAddress::LocalHost))
+        m_problem = errorString();
+}
+
+void TestGateway::makeCertificate(const QStringList &names) {
+    QStringList alternatives;
+    for (const QString &name : names)
+        alternatives.append("DNS:" + name);
+    QProcess openssl;
+    openssl.start("openssl", {"req", "-x509", "-newkey", "ec", "-pkeyopt",
+                              "ec_paramgen_curve:prime256v1", "-nodes", "-days", "2", "-subj",
+                              "/CN=test", "-addext", "subjectAltName=" + alternatives.join(','),
+                              "-keyout", m_folder.filePath("key.pem"), "-out", certificate()});
+    openssl.waitForFinished();
+    m_problem = openssl.exitCode() == 0 ? QString() : openssl.readAllStandardError();
+}
+
+void TestGateway::accept() {
+    while (auto *socket = qobject_cast<QSslSocket *>(nextPendingConnection())) {
+        const int connection = ++connections;
+        auto unread = std::make_shared<QByteArray>();
+        connect(socket, &QSslSocket::readyRead, this, [this, socket, connection, unread] {
+            read(socket, connection, *unread);
+        });
+        connect(socket, &QSslSocket::disconnected, socket, &QObject::deleteLater);
+        read(socket, connection, *unread);
+    }
+}
+
+void TestGateway::read(QSslSocket *socket, int connection, QByteArray &unread) {
+    unread += socket->readAll();
+    for (qsizetype end = unread.indexOf("\r\n\r\n"); end >= 0; end = unread.indexOf("\r\n\r\n")) {
+        const QList<QByteArray> lines = unread.left(end).split('\n');
+        unread.remove(0, end + 4);
+        GatewayRequest request{connection, {}, QString::fromUtf8(lines[0].split(' ').value(1)), {}};
+        for (const QByteArray &line : lines.mid(1)) {
+            const qsizetype colon = line.indexOf(':');
+            request.headers.insert(line.left(colon).toLower(), line.mid(colon + 1).trimmed());
+        }
+        request.host = QString::fromUtf8(request.headers.value("host"));
+        requests.append(request);
+        const GatewayReply reply =
+            replies.value(request.target, GatewayReply{.status = 404, .body = "{}"});
+        QTimer::singleShot(reply.delay, socket, [this, socket, reply] { answer(socket, reply); });
+    }
+}
+
+void TestGateway::answer(QSslSocket *socket, const GatewayReply &reply) {
+    using Manner = GatewayReply::Manner;
+    if (reply.manner == Manner::Silence)
+        return;
+    if (reply.manner == Manner::Close) {
+        socket->abort();
+        return;
+    }
+    const bool isDrip = reply.manner == Manner::Drip;
+    QByteArray head = "HTTP/1.1 " + QByteArray::number(reply.status) + " X\r\n";
+    head += "Content-Type: application/json\r\n";
+    head += "Content-Length: " + QByteArray::number(isDrip ? 1000000 : reply.body.size()) + "\r\n";
+    if (!reply.location.isEmpty())
+        head += "Location: " + reply.location + "\r\n";
+    socket->write(head + "\r\n");
+    if (isDrip) {
+        auto *timer = new QTimer(socket);
+        connect(timer, &QTimer::timeout, socket, [socket] { socket->write(" "); });
+        timer->start(50);
+        return;
+    }
+    const bool isWhole = reply.manner == Manner::Whole;
+    socket->write(isWhole ? reply.body : reply.body.left(reply.body.size() / 2));
+    if (!isWhole)
+        socket->disconnectFromHost();
+}
