@@ -7,7 +7,8 @@
 #include <QDir>
 #include <QSettings>
 
-BrindleProcess::BrindleProcess(const TestDesktop &desktop, const QMap<QString, QString> &settings)
+BrindleProcess::BrindleProcess(const TestDesktop &desktop, const QMap<QString, QString> &settings,
+                               const QString &program, const QStringList &arguments)
     : TestProcess(desktop.environment()), m_desktop(desktop) {
     const QString folder = desktop.environment().value("XDG_CONFIG_HOME");
     QDir().mkpath(folder);
@@ -15,7 +16,7 @@ BrindleProcess::BrindleProcess(const TestDesktop &desktop, const QMap<QString, Q
     for (auto setting = settings.begin(); setting != settings.end(); ++setting)
         file.setValue(setting.key(), setting.value());
     file.sync();
-    launch(BRINDLE_PROGRAM, {});
+    launch(program, arguments);
 }
 
 bool BrindleProcess::isUp() {

@@ -9,8 +9,9 @@ class TestDesktop;
 /// The real program on a TestDesktop.
 class BrindleProcess : public TestProcess {
 public:
-    /// Writes the settings file and starts the program.
-    BrindleProcess(const TestDesktop &desktop, const QMap<QString, QString> &settings);
+    /// Writes the settings file and starts the product, or `program` in its place.
+    BrindleProcess(const TestDesktop &desktop, const QMap<QString, QString> &settings,
+                   const QString &program = BRINDLE_PROGRAM, const QStringList &arguments = {});
 
     /// Waits until the launch sequence is through.
     bool isUp();

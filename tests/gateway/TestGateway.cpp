@@ -45,9 +45,8 @@ void TestGateway::accept() {
     while (auto *socket = qobject_cast<QSslSocket *>(nextPendingConnection())) {
         const int connection = ++connections;
         auto unread = std::make_shared<QByteArray>();
-        connect(socket, &QSslSocket::readyRead, this, [this, socket, connection, unread] {
-            read(socket, connection, *unread);
-        });
+        connect(socket, &QSslSocket::readyRead, this,
+                [this, socket, connection, unread] { read(socket, connection, *unread); });
         connect(socket, &QSslSocket::disconnected, socket, &QObject::deleteLater);
         read(socket, connection, *unread);
     }

@@ -11,7 +11,7 @@
 struct GatewayRequest {
     int connection = 0; ///< counts from 1
     QString host;
-    QString target; ///< path and query
+    QString target;                        ///< path and query
     QHash<QByteArray, QByteArray> headers; ///< names in lower case
 };
 

@@ -90,8 +90,8 @@ private Q_SLOTS:
         QTest::newRow("same origin") << QByteArray("/b") << 200 << 2 << true;
         QTest::newRow("another port of the host")
             << QByteArray("https://h.example:444/b") << 200 << 2 << false;
-        QTest::newRow("another host") << QByteArray("https://api.atlassian.com/b") << 302 << 1
-                                      << true;
+        QTest::newRow("another host")
+            << QByteArray("https://api.atlassian.com/b") << 302 << 1 << true;
         QTest::newRow("not secure") << QByteArray("http://h.example/b") << 0 << 1 << true;
         QTest::newRow("without end") << QByteArray("/a?b=1") << 0 << 11 << true;
     }
@@ -118,8 +118,8 @@ private Q_SLOTS:
         QTest::newRow("closed") << GatewayReply{.manner = Manner::Close} << "";
         QTest::newRow("silent") << GatewayReply{.manner = Manner::Silence}
                                 << "The request timed out.";
-        QTest::newRow("too large") << GatewayReply{.body = QByteArray(17 << 20, 'x')}
-                                   << "The response is too large.";
+        QTest::newRow("too large")
+            << GatewayReply{.body = QByteArray(17 << 20, 'x')} << "The response is too large.";
     }
 
     void failures() {
