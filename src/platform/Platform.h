@@ -6,6 +6,7 @@
 #include "platform/Dispatch.h"
 #include "platform/Hotkeys.h"
 #include "platform/Keyboard.h"
+#include "platform/LoginItems.h"
 #include "platform/Notifications.h"
 #include "platform/Pasteboard.h"
 #include "platform/SecretStore.h"
@@ -30,6 +31,7 @@ struct Platform {
     std::shared_ptr<Workspace> workspace;
     std::shared_ptr<TrayHost> trayHost;
     std::shared_ptr<UrlSession> urlSession;
+    std::shared_ptr<LoginItems> loginItems;
 
     /// The ports in force. Only after install().
     static Platform &current();

@@ -222,6 +222,7 @@ FakePlatform::FakePlatform() {
     platform.alerts = alerts;
     platform.workspace = workspace;
     platform.urlSession = urlSession;
+    platform.loginItems = loginItems;
     platform.trayHost = std::make_shared<FakeTrayHost>();
     Platform::install(std::move(platform));
     Settings::restart();

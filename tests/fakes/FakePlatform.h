@@ -166,7 +166,13 @@ public:
         ++opened;
         return missing;
     }
+    bool openUrl(const QUrl &url) override {
+        urls.append(url.toString());
+        return canOpen;
+    }
 
+    QStringList urls;
+    bool canOpen = true;
     int opened = 0;
     QString missing;
 };
@@ -185,6 +191,24 @@ public:
     QStringList prepared;
 };
 
+class FakeLoginItems : public LoginItems {
+public:
+    Status status() override { return current; }
+    QString add() override {
+        if (error.isEmpty())
+            current = Status::Enabled;
+        return error;
+    }
+    QString remove() override {
+        if (error.isEmpty())
+            current = Status::NotRegistered;
+        return error;
+    }
+
+    Status current = Status::NotRegistered;
+    QString error;
+};
+
 class FakeTrayHost : public TrayHost {
 public:
     bool isAvailable() override { return false; }
@@ -196,9 +220,10 @@ public:
     FakeApp() { publish(); }
     void openPreferences() override { ++preferencesOpened; }
     void refreshStatusItemImage() override { fetchingStates.append(isFetching()); }
-    void reinstallHotkey() override {}
+    void reinstallHotkey() override { ++hotkeyReinstalls; }
 
     int preferencesOpened = 0;
+    int hotkeyReinstalls = 0;
     QList<bool> fetchingStates; ///< isFetching at each refresh of the icon
 };
 
@@ -221,5 +246,6 @@ struct FakePlatform {
     std::shared_ptr<FakeAlerts> alerts = std::make_shared<FakeAlerts>();
     std::shared_ptr<FakeWorkspace> workspace = std::make_shared<FakeWorkspace>();
     std::shared_ptr<FakeUrlSession> urlSession = std::make_shared<FakeUrlSession>();
+    std::shared_ptr<FakeLoginItems> loginItems = std::make_shared<FakeLoginItems>();
     FakeApp app;
 };

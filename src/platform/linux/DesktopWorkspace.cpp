@@ -1,5 +1,6 @@
 #include "platform/linux/DesktopWorkspace.h"
 
+#include <QDesktopServices>
 #include <QProcess>
 #include <QStringList>
 
@@ -31,3 +32,5 @@ QString DesktopWorkspace::openAccessibilitySettings() {
     return QStringLiteral("no settings page is known for this desktop; the X server must offer the "
                           "XTEST extension");
 }
+
+bool DesktopWorkspace::openUrl(const QUrl &url) { return QDesktopServices::openUrl(url); }

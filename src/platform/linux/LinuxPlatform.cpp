@@ -1,5 +1,6 @@
 #include "platform/linux/LinuxPlatform.h"
 
+#include "platform/linux/AutostartEntry.h"
 #include "platform/linux/DBusNotifications.h"
 #include "platform/linux/DesktopWorkspace.h"
 #include "platform/linux/QtAlerts.h"
@@ -32,5 +33,6 @@ Platform makeLinuxPlatform() {
     platform.workspace = std::make_unique<DesktopWorkspace>();
     platform.trayHost = std::make_unique<StatusNotifierTrayHost>(x11);
     platform.urlSession = std::make_shared<QtUrlSession>();
+    platform.loginItems = std::make_shared<AutostartEntry>();
     return platform;
 }
