@@ -1,13 +1,19 @@
 #include "app/Application.h"
 
+#include "clipboard/ClipboardRestorer.h"
 #include "desktop/HotkeyManager.h"
+#include "desktop/Notify.h"
 #include "enrichment/Enrichment.h"
+#include "model/AppInfo.h"
 #include "platform/Platform.h"
 #include "preferences/LogView.h"
+#include "preferences/PreferencesView.h"
+#include "storage/Keychain.h"
 #include "storage/LogStore.h"
 #include "storage/Settings.h"
 
 #include <QApplication>
+#include <QPointer>
 
 /// Art in a static library has to be asked for by name, outside of any namespace.
 static void loadArt() {
@@ -22,6 +28,11 @@ QList<KeyCombo> hotkeys() {
     if (settings.hotkey2IsSet())
         combos.append({settings.hotkey2KeyCode(), settings.hotkey2Modifiers()});
     return combos;
+}
+
+QString version() {
+    const QString version = QStringLiteral(BRINDLE_VERSION);
+    return version.isEmpty() ? QStringLiteral("unknown") : version;
 }
 
 } // namespace
@@ -40,11 +51,14 @@ Application::Application()
 
 Application::~Application() {
     HotkeyManager::shared().uninstall();
+    // What the user had copied outlives us where the desktop keeps it.
+    ClipboardRestorer::finishNow();
+    Platform::current().pasteboard->handOver();
 }
 
 void Application::finishLaunching() {
     publish();
-    log(QStringLiteral("app: launched (version %1)").arg(QStringLiteral(BRINDLE_VERSION)));
+    log(QStringLiteral("app: launched (version %1)").arg(version()));
     Platform::current().defaults->onProblem(
         [](const QString &problem) { log(QStringLiteral("settings: ") + problem); });
     m_statusItem = std::make_unique<StatusItem>(StatusItem::Actions{
@@ -52,10 +66,34 @@ void Application::finishLaunching() {
         [] { Enrichment::run(false); },
         [this] { openPreferences(); },
         [this] { openLogs(); },
+        [this] { showAbout(); },
+        [this] { checkForUpdates(); },
         [] { QApplication::quit(); },
     });
     refreshStatusItemImage();
     reinstallHotkey();
+    askForMissingCredentials();
+}
+
+void Application::askForMissingCredentials() {
+    const auto ask = [self = QPointer(this)] {
+        if (!self)
+            return;
+        log(QStringLiteral("app: missing credentials, opening preferences"));
+        self->openPreferences();
+        Notify::show(AppInfo::displayName(),
+                     QStringLiteral("Set your Atlassian email + scoped API token in Preferences."));
+    };
+    Dispatch &dispatch = *Platform::current().dispatch;
+    if (Settings::shared().email().isEmpty()) {
+        dispatch.toMain(ask);
+        return;
+    }
+    // A locked keyring keeps its caller waiting until the user has answered.
+    dispatch.toBackground([ask] {
+        if (!Keychain::loadToken())
+            Platform::current().dispatch->toMain(ask);
+    });
 }
 
 void Application::installHotkey() {
@@ -71,19 +109,59 @@ void Application::reinstallHotkey() {
 
 void Application::refreshStatusItemImage() {
     if (m_statusItem)
-        m_statusItem->refreshImage(isFetching());
+        m_statusItem->refreshImage(Settings::shared().tokenIsAging(), isFetching());
+}
+
+AppWindow::MenuActions Application::menuActions() {
+    return {[this] { checkForUpdates(); },
+            [this] {
+                for (AppWindow *window : {m_preferencesWindow.get(), m_logsWindow.get()}) {
+                    if (window)
+                        window->hide();
+                }
+            },
+            [] { QApplication::quit(); }};
 }
 
 void Application::openPreferences() {
-    log(QStringLiteral("app: this version has no preferences window yet; preferences are kept in "
-                       "org.ostrowind.brindle.conf in your configuration folder"));
-    openLogs();
+    if (!m_preferencesWindow) {
+        m_preferencesWindow = std::make_unique<AppWindow>(QStringLiteral("Settings"),
+                                                          new PreferencesView, menuActions());
+        m_preferencesWindow->fixSize();
+    }
+    m_preferencesWindow->present();
 }
 
 void Application::openLogs() {
-    if (!m_logsWindow)
-        m_logsWindow = std::make_unique<LogView>();
-    m_logsWindow->show();
-    m_logsWindow->raise();
-    m_logsWindow->activateWindow();
+    if (!m_logsWindow) {
+        m_logsWindow =
+            std::make_unique<AppWindow>(QStringLiteral("Brindle Logs"), new LogView, menuActions());
+    }
+    m_logsWindow->present();
+}
+
+void Application::showAbout() {
+    Platform::current().alerts->show(
+        {Alert::Style::Informational,
+         QStringLiteral("Brindle for Jira"),
+         QStringLiteral("Turn copied Jira URLs into rich hyperlinks.\n\nHotkey: ") +
+             Settings::shared().hotkeyDisplay(),
+         {QStringLiteral("OK")}},
+        [](int) {});
+}
+
+void Application::checkForUpdates() {
+    // Packages are the business of the desktop's software centre.
+    const QUrl page(QStringLiteral("appstream://") + AppInfo::bundleIdentifier());
+    if (Platform::current().workspace->openUrl(page))
+        return;
+    log(QStringLiteral("app: nothing on this desktop opens ") + page.toString());
+    Platform::current().alerts->show(
+        {Alert::Style::Informational,
+         QStringLiteral("Updates come from your package manager"),
+         QStringLiteral("This desktop has no software centre that shows Brindle's page. The "
+                        "installed version is %1.")
+             .arg(version()),
+         {QStringLiteral("OK")}},
+        [](int) {});
 }

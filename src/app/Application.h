@@ -1,10 +1,9 @@
 #pragma once
 
+#include "app/AppWindow.h"
 #include "app/ApplicationService.h"
 #include "app/StatusItem.h"
 #include "desktop/AppDelegate.h"
-
-#include <QWidget>
 
 #include <memory>
 
@@ -30,8 +29,13 @@ public:
 private:
     void installHotkey();
     void openLogs();
+    void showAbout();
+    void checkForUpdates();
+    void askForMissingCredentials();
+    AppWindow::MenuActions menuActions();
 
     ApplicationService m_service;
     std::unique_ptr<StatusItem> m_statusItem;
-    std::unique_ptr<QWidget> m_logsWindow; ///< made when first opened, then kept
+    std::unique_ptr<AppWindow> m_preferencesWindow; ///< made when first opened, then kept
+    std::unique_ptr<AppWindow> m_logsWindow;        ///< likewise
 };

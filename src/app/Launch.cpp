@@ -1,6 +1,7 @@
 #include "app/Launch.h"
 
 #include "app/Application.h"
+#include "app/Signals.h"
 #include "model/AppInfo.h"
 
 #include <QApplication>
@@ -12,6 +13,7 @@ void nameApplication() {
 }
 
 int runBrindle(Platform platform) {
+    quitOnSignals();
     Platform::install(std::move(platform));
     int status = 0;
     {

@@ -1,25 +1,6 @@
 #include "app/StatusItem.h"
 
-#include "model/AppInfo.h"
 #include "platform/Platform.h"
-
-#include <QPainter>
-
-namespace {
-
-constexpr qreal dimmed = 0.4;
-
-QIcon icon(qreal opacity) {
-    const QPixmap art(QStringLiteral(":/icons/brindle.png"));
-    QPixmap drawn(art.size());
-    drawn.fill(Qt::transparent);
-    QPainter painter(&drawn);
-    painter.setOpacity(opacity);
-    painter.drawPixmap(0, 0, art);
-    return drawn;
-}
-
-} // namespace
 
 StatusItem::StatusItem(const Actions &actions) {
     m_enrichAndPaste = add({}, actions.enrichAndPaste);
@@ -29,8 +10,10 @@ StatusItem::StatusItem(const Actions &actions) {
         QKeySequence(QStringLiteral("Ctrl+,")));
     add(QStringLiteral("View Logs…"), actions.openLogs, QKeySequence(QStringLiteral("Ctrl+L")));
     m_menu.addSeparator();
+    add(QStringLiteral("About Brindle"), actions.showAbout);
+    add(QStringLiteral("Check for Updates…"), actions.checkForUpdates);
     add(QStringLiteral("Quit"), actions.quit, QKeySequence(QStringLiteral("Ctrl+Q")));
-    Platform::current().trayHost->onChange([this] { dockIfPossible(); });
+    Platform::current().trayHost->onChange([this] { followHost(); });
 }
 
 QAction *StatusItem::add(const QString &title, std::function<void()> action,
@@ -43,26 +26,33 @@ QAction *StatusItem::add(const QString &title, std::function<void()> action,
 }
 
 void StatusItem::setHotkey(const QString &symbols) {
-    m_enrichAndPaste->setText(
-        QStringLiteral("Enrich & Paste (%1)")
-            .arg(symbols)
-            .replace(u'&', QStringLiteral("&&"))); // a single one would mark a key of the menu
+    // Doubled, since a single one would mark a key of the menu.
+    m_enrichAndPaste->setText(QStringLiteral("Enrich && Paste (%1)").arg(symbols));
 }
 
-void StatusItem::refreshImage(bool isFetching) {
-    m_icon = icon(isFetching ? dimmed : 1.0);
+void StatusItem::refreshImage(bool tokenIsAging, bool isFetching) {
+    m_tokenIsAging = tokenIsAging;
+    m_isFetching = isFetching;
     if (m_trayIcon)
-        m_trayIcon->setIcon(m_icon);
+        show();
     else
-        dockIfPossible();
+        followHost();
 }
 
-void StatusItem::dockIfPossible() {
-    // Made only when there is a host: the toolkit never registers an icon that was there before it.
-    if (m_trayIcon || !Platform::current().trayHost->isAvailable())
-        return;
-    m_trayIcon = std::make_unique<QSystemTrayIcon>(m_icon);
-    m_trayIcon->setToolTip(AppInfo::displayName());
-    m_trayIcon->setContextMenu(&m_menu);
-    m_trayIcon->show();
+void StatusItem::followHost() {
+    const bool isAvailable = Platform::current().trayHost->isAvailable();
+    if (!isAvailable) {
+        m_trayIcon.reset();
+    } else if (!m_trayIcon) {
+        // Made only when there is a host: the toolkit never registers an icon that was there first.
+        m_trayIcon = std::make_unique<QSystemTrayIcon>();
+        show();
+        m_trayIcon->setContextMenu(&m_menu);
+        m_trayIcon->show();
+    }
+}
+
+void StatusItem::show() {
+    m_trayIcon->setIcon(m_pictures.icon(m_tokenIsAging, m_isFetching));
+    m_trayIcon->setToolTip(m_pictures.description());
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "app/StatusIcon.h"
+
 #include <QAction>
 #include <QMenu>
 #include <QString>
@@ -20,6 +22,8 @@ public:
         std::function<void()> enrichOnly;
         std::function<void()> openPreferences;
         std::function<void()> openLogs;
+        std::function<void()> showAbout;
+        std::function<void()> checkForUpdates;
         std::function<void()> quit;
     };
 
@@ -28,16 +32,19 @@ public:
     /// Shows the primary hotkey, in symbols, in the menu.
     void setHotkey(const QString &symbols);
 
-    /// Draws the icon, dimmed while `isFetching`.
-    void refreshImage(bool isFetching);
+    /// Draws the icon, dimmed while `isFetching`, with a badge while the token is aging.
+    void refreshImage(bool tokenIsAging, bool isFetching);
 
 private:
     QAction *add(const QString &title, std::function<void()> action,
                  const QKeySequence &shortcut = {});
-    void dockIfPossible();
+    void followHost();
+    void show();
 
     QMenu m_menu;
     QAction *m_enrichAndPaste;
-    QIcon m_icon;
+    StatusIcon m_pictures;
+    bool m_tokenIsAging = false;
+    bool m_isFetching = false;
     std::unique_ptr<QSystemTrayIcon> m_trayIcon;
 };

@@ -8,17 +8,6 @@
 
 namespace {
 
-struct State {
-    bool isDelivering = false;
-    std::optional<ClipboardSnapshot> pendingOriginal;
-    WorkItem pendingWork;
-};
-
-State &state() {
-    static State instance;
-    return instance;
-}
-
 /// A paste whose restore is due, by value, so that nothing that happens meanwhile changes it.
 struct ScheduledRestore {
     std::optional<ClipboardSnapshot> original;
@@ -26,6 +15,18 @@ struct ScheduledRestore {
     Dispatch::Clock::time_point pastedAt;
     Dispatch::Clock::time_point latest;
 };
+
+struct State {
+    bool isDelivering = false;
+    std::optional<ClipboardSnapshot> pendingOriginal;
+    std::optional<ScheduledRestore> scheduled;
+    WorkItem pendingWork;
+};
+
+State &state() {
+    static State instance;
+    return instance;
+}
 
 bool targetStillNeedsTheLink(const ScheduledRestore &restore) {
     const PasteboardFetches fetches = Platform::current().pasteboard->fetches();
@@ -63,6 +64,7 @@ bool ClipboardRestorer::isDelivering() {
 
 void ClipboardRestorer::arm() {
     state().pendingWork.cancel();
+    state().scheduled.reset();
     if (!state().pendingOriginal)
         state().pendingOriginal = ClipboardSnapshot::capture(*Platform::current().pasteboard);
 }
@@ -76,10 +78,17 @@ void ClipboardRestorer::commit(qint64 expectedChangeCount, Dispatch::Clock::time
     const ScheduledRestore restore{state().pendingOriginal, expectedChangeCount, pastedAt,
                                    dispatch.now() + longestWindow};
     state().pendingWork.cancel();
+    state().scheduled = restore;
     state().pendingWork = dispatch.after(window, [restore] { fallDue(restore); });
 }
 
 void ClipboardRestorer::abandon() {
     state().pendingWork.cancel();
     state() = State();
+}
+
+void ClipboardRestorer::finishNow() {
+    if (state().scheduled && state().scheduled->original)
+        restoreUnlessChanged(*state().scheduled);
+    abandon();
 }

@@ -32,4 +32,7 @@ public:
 
     /// Drops any pending restore and clears the flag.
     static void abandon();
+
+    /// Does a scheduled restore at once, because the program is about to quit.
+    static void finishNow();
 };

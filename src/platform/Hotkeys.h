@@ -3,6 +3,7 @@
 #include "model/HotkeyFormat.h"
 
 #include <functional>
+#include <optional>
 
 /// System-wide key combinations. Main thread only.
 class Hotkeys {
@@ -15,4 +16,8 @@ public:
 
     /// Gives every registration back.
     virtual void removeAll() = 0;
+
+    /// The key code, as hotkeys have it, of the key that a key event of the toolkit names by
+    /// `nativeScanCode`; nothing for a key that no hotkey can have.
+    virtual std::optional<quint32> virtualKey(quint32 nativeScanCode) const = 0;
 };

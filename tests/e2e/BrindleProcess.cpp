@@ -7,6 +7,16 @@
 #include <QDir>
 #include <QSettings>
 
+bool storeToken(const TestDesktop &desktop, const QString &account, const QByteArray &token) {
+    QProcess tool;
+    tool.setProcessEnvironment(desktop.environment());
+    tool.start("secret-tool", {"store", "--label=token", "service", "org.ostrowind.brindle",
+                               "account", account, "xdg:schema", "org.ostrowind.brindle"});
+    tool.write(token);
+    tool.closeWriteChannel();
+    return tool.waitForFinished() && tool.exitCode() == 0;
+}
+
 BrindleProcess::BrindleProcess(const TestDesktop &desktop, const QMap<QString, QString> &settings,
                                const QString &program, const QStringList &arguments)
     : TestProcess(desktop.environment()), m_desktop(desktop) {

@@ -6,6 +6,9 @@
 
 class TestDesktop;
 
+/// Puts a token into the keyring of the desktop as Brindle keeps it.
+bool storeToken(const TestDesktop &desktop, const QString &account, const QByteArray &token);
+
 /// The real program on a TestDesktop.
 class BrindleProcess : public TestProcess {
 public:

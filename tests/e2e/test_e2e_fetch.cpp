@@ -25,8 +25,8 @@ struct Scene {
         : desktop({.notifications = true, .keyring = true}),
           keys(desktop.keyboardDisplay()),
           shown(desktop.busAddress()) {
-        storeToken("jira-api-token", "jira-secret");
-        storeToken("confluence-api-token", "confluence-secret");
+        tokensStored = storeToken(desktop, "jira-api-token", "jira-secret") &&
+                       storeToken(desktop, "confluence-api-token", "confluence-secret");
         gateway.replies = {
             {"/_edge/tenant_info", {.body = R"({"cloudId":"c-1"})"}},
             {issueTarget,
@@ -48,16 +48,6 @@ struct Scene {
                brindle->isUp() && waitFor([this] { return target->hasFocus(); });
     }
 
-    void storeToken(const QString &account, const QByteArray &token) {
-        QProcess tool;
-        tool.setProcessEnvironment(desktop.environment());
-        tool.start("secret-tool", {"store", "--label=token", "service", "org.ostrowind.brindle",
-                                   "account", account, "xdg:schema", "org.ostrowind.brindle"});
-        tool.write(token);
-        tool.closeWriteChannel();
-        tokensStored = tool.waitForFinished() && tool.exitCode() == 0 && tokensStored;
-    }
-
     void press() {
         keys.chord(
             {keyCode(KEY_LEFTCTRL), keyCode(KEY_LEFTALT), keyCode(KEY_LEFTMETA), keyCode(KEY_V)});
@@ -67,7 +57,7 @@ struct Scene {
     TestKeyboard keys;
     NotificationLog shown;
     TestGateway gateway;
-    bool tokensStored = true;
+    bool tokensStored = false;
     std::unique_ptr<BrindleProcess> brindle;
     std::unique_ptr<PasteTarget> target;
 };

@@ -29,7 +29,7 @@ struct Scene {
           target(desktop, targetArguments) {}
 
     bool isUp() {
-        return desktop.problem().isEmpty() && brindle.isUp() &&
+        return desktop.problem().isEmpty() && hasToken && brindle.isUp() &&
                waitFor([this] { return target.hasFocus(); });
     }
 
@@ -46,6 +46,7 @@ struct Scene {
 
     TestDesktop desktop;
     TestKeyboard keys;
+    bool hasToken;
     BrindleProcess brindle;
     PasteTarget target;
 };

@@ -163,6 +163,11 @@ bool FakeKeyboard::postPaste(quint16 vKey) {
     return true;
 }
 
+std::optional<quint32> FakeHotkeys::virtualKey(quint32 nativeScanCode) const {
+    const auto found = virtualKeys.constFind(nativeScanCode);
+    return found == virtualKeys.constEnd() ? std::nullopt : std::optional(*found);
+}
+
 bool FakeHotkeys::add(const KeyCombo &combo, std::function<void()> pressed) {
     if (taken.contains(combo))
         return false;

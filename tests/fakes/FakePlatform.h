@@ -54,6 +54,7 @@ public:
     void write(const QList<std::pair<PasteboardType, QByteArray>> &flavours) override;
     void restore(const QList<PasteboardItem> &items) override;
     PasteboardFetches fetches() override { return fetched; }
+    void handOver() override {}
 
     /// What the user or another program copies.
     void copy(const QList<PasteboardItem> &items);
@@ -91,9 +92,11 @@ class FakeHotkeys : public Hotkeys {
 public:
     bool add(const KeyCombo &combo, std::function<void()> pressed) override;
     void removeAll() override { registered.clear(); }
+    std::optional<quint32> virtualKey(quint32 nativeScanCode) const override;
 
     QList<std::pair<KeyCombo, std::function<void()>>> registered;
     QList<KeyCombo> taken;
+    QHash<quint32, quint32> virtualKeys; ///< by native scan code
 };
 
 class FakeChildProcess : public ChildProcess {

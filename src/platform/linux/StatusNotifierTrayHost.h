@@ -17,6 +17,9 @@ public:
     void onChange(std::function<void()> changed) override;
 
 private:
+    bool hasStatusNotifierHost() const;
+    bool hasTraySelectionOwner() const;
+
     std::shared_ptr<X11Connection> m_x11;
     xcb_atom_t m_traySelection = XCB_ATOM_NONE;
     std::function<void()> m_changed;

@@ -1,11 +1,12 @@
 #include "platform/linux/x11/KeyCodes.h"
 
+#include <algorithm>
 #include <array>
 
 namespace {
 
 /// X numbers keys by the kernel's code plus this, the lowest key code the protocol knows.
-constexpr int x11Offset = 8;
+constexpr quint32 x11Offset = 8;
 
 /// Kernel key codes by virtual key code; 0 where there is none (no real key has the code 0).
 // clang-format off
@@ -35,4 +36,13 @@ std::optional<quint8> KeyCodes::x11FromVirtual(quint32 virtualKey) {
     if (virtualKey >= evdevCodes.size() || evdevCodes[virtualKey] == 0)
         return std::nullopt;
     return static_cast<quint8>(evdevCodes[virtualKey] + x11Offset);
+}
+
+std::optional<quint32> KeyCodes::virtualFromX11(quint32 x11KeyCode) {
+    if (x11KeyCode <= x11Offset)
+        return std::nullopt;
+    const auto found = std::find(evdevCodes.begin(), evdevCodes.end(), x11KeyCode - x11Offset);
+    if (found == evdevCodes.end())
+        return std::nullopt;
+    return static_cast<quint32>(found - evdevCodes.begin());
 }

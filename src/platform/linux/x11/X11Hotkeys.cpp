@@ -62,6 +62,10 @@ void X11Hotkeys::removeAll() {
     m_held = 0;
 }
 
+std::optional<quint32> X11Hotkeys::virtualKey(quint32 nativeScanCode) const {
+    return KeyCodes::virtualFromX11(nativeScanCode);
+}
+
 bool X11Hotkeys::handle(const xcb_generic_event_t &event) {
     switch (event.response_type & 0x7f) {
     case XCB_KEY_PRESS:

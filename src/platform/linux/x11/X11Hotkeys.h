@@ -20,6 +20,7 @@ public:
 
     bool add(const KeyCombo &combo, std::function<void()> pressed) override;
     void removeAll() override;
+    std::optional<quint32> virtualKey(quint32 nativeScanCode) const override;
 
     /// The key of the hotkey that is held, for which the server lends us the keyboard, or 0. Any
     /// thread.

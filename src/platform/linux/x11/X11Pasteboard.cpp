@@ -225,6 +225,14 @@ PasteboardFetches X11Pasteboard::fetches() {
     return m_owner->fetches();
 }
 
+void X11Pasteboard::handOver() {
+    if (!m_owner)
+        return;
+    m_x11->sync();
+    if (m_owner->isOwner())
+        m_owner->handOver();
+}
+
 void X11Pasteboard::keepReadingForThisTurn() {
     if (std::exchange(m_readingExpires, true))
         return;

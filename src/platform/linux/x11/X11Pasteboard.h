@@ -23,6 +23,7 @@ public:
     void write(const QList<std::pair<PasteboardType, QByteArray>> &flavours) override;
     void restore(const QList<PasteboardItem> &items) override;
     PasteboardFetches fetches() override;
+    void handOver() override;
 
 private:
     /// What was read in this turn.

@@ -8,6 +8,9 @@ namespace {
 /// every server takes in one request.
 constexpr qsizetype pieceSize = qsizetype{256} * 1024;
 
+/// How long a clipboard manager may take to copy everything.
+constexpr std::chrono::seconds longestHandOver{3};
+
 /// A requestor that lets this pass between two pieces has given up.
 constexpr std::chrono::seconds longestStall{10};
 
@@ -40,6 +43,25 @@ PasteboardFetches X11SelectionOwner::fetches() {
     return {m_latestFetch, !m_transfers.isEmpty()};
 }
 
+void X11SelectionOwner::handOver() {
+    const xcb_atom_t manager = m_x11.atom("CLIPBOARD_MANAGER");
+    const XcbPtr<xcb_get_selection_owner_reply_t> reply(xcb_get_selection_owner_reply(
+        m_x11, xcb_get_selection_owner(m_x11, manager), nullptr));
+    if (!reply || reply->owner == XCB_WINDOW_NONE)
+        return;
+    QList<xcb_atom_t> targets;
+    for (const PasteboardRepresentation &representation : m_contents)
+        targets.append(m_x11.atom(representation.name));
+    const xcb_atom_t property = m_x11.atom("BRINDLE_HAND_OVER");
+    xcb_change_property(m_x11, XCB_PROP_MODE_REPLACE, m_x11.window(), property, XCB_ATOM_ATOM, 32,
+                        static_cast<uint32_t>(targets.size()), targets.constData());
+    xcb_convert_selection(m_x11, m_x11.window(), manager, m_x11.atom("SAVE_TARGETS"), property,
+                          m_x11.freshTimestamp());
+    m_isHandingOver = true;
+    const auto deadline = X11Connection::Clock::now() + longestHandOver;
+    m_x11.waitUntil([this] { return !m_isHandingOver; }, [=] { return deadline; });
+}
+
 bool X11SelectionOwner::handle(const xcb_generic_event_t &event) {
     switch (event.response_type & 0x7f) {
     case XCB_SELECTION_REQUEST: {
@@ -61,6 +83,13 @@ bool X11SelectionOwner::handle(const xcb_generic_event_t &event) {
     case XCB_PROPERTY_NOTIFY: {
         const auto &notify = reinterpret_cast<const xcb_property_notify_event_t &>(event);
         return notify.state == XCB_PROPERTY_DELETE && sendNextPiece(notify.window, notify.atom);
+    }
+    case XCB_SELECTION_NOTIFY: {
+        const auto &notify = reinterpret_cast<const xcb_selection_notify_event_t &>(event);
+        if (notify.selection != m_x11.atom("CLIPBOARD_MANAGER"))
+            return false;
+        m_isHandingOver = false;
+        return true;
     }
     case XCB_DESTROY_NOTIFY:
         forgetTransfersTo(reinterpret_cast<const xcb_destroy_notify_event_t &>(event).window);

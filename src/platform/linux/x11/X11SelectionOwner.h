@@ -20,6 +20,9 @@ public:
     /// Who has asked for data since own().
     PasteboardFetches fetches();
 
+    /// Asks the clipboard manager, if one runs, to take the contents over, and serves it meanwhile.
+    void handOver();
+
 private:
     /// Data on its way to a requestor piece by piece, each sent when the one before was taken. It
     /// keeps its bytes, so that it ends well even after the selection has changed.
@@ -47,6 +50,7 @@ private:
     xcb_atom_t m_selection;
     PasteboardItem m_contents;
     bool m_isOwner = false;
+    bool m_isHandingOver = false;
     xcb_timestamp_t m_claimTime = XCB_CURRENT_TIME;
     std::optional<Dispatch::Clock::time_point> m_latestFetch;
     QList<Transfer> m_transfers;

@@ -1,0 +1,6 @@
+#pragma once
+
+#include <QWidget>
+
+/// The content of the preferences window.
+class PreferencesView : public QWidget {};
