@@ -1,4 +1,5 @@
 #include "desktop/HotkeyManager.h"
+#include "desktop/LoginItem.h"
 #include "desktop/Notify.h"
 #include "fakes/FakePlatform.h"
 
@@ -46,6 +47,41 @@ private Q_SLOTS:
         Notify::show("Brindle", "a \"b\"\r\nc");
         QCOMPARE(platform.takeLog(), QStringList("notify: a \"b\"\r\nc"));
         QCOMPARE(platform.notifications->shown, QStringList("Brindle|a \"b\"  c"));
+    }
+
+    void loginItemStatus_data() {
+        QTest::addColumn<int>("status");
+        QTest::addColumn<bool>("on");
+        QTest::addColumn<QString>("text");
+        QTest::newRow("none") << 0 << false << "notRegistered";
+        QTest::newRow("on") << 1 << true << "enabled";
+        QTest::newRow("switched off by the desktop") << 2 << true << "requiresApproval";
+        QTest::newRow("program gone") << 3 << false << "notFound";
+        QTest::newRow("one of the future") << 7 << false << "unknown(7)";
+    }
+
+    void loginItemStatus() {
+        QFETCH(int, status);
+        QFETCH(QString, text);
+        FakePlatform platform;
+        platform.loginItems->current = static_cast<LoginItems::Status>(status);
+        QTEST(LoginItem::isEnabled(), "on");
+        QCOMPARE(platform.takeLog(), QStringList("LoginItem.isEnabled: status = " + text));
+    }
+
+    void loginItemChangesAreLoggedAndFailuresTold() {
+        FakePlatform platform;
+        QVERIFY(LoginItem::setEnabled(true));
+        QVERIFY(LoginItem::setEnabled(false));
+        platform.loginItems->error = "disk full";
+        QVERIFY(!LoginItem::setEnabled(true));
+        QCOMPARE(platform.takeLog(),
+                 QStringList({"LoginItem.setEnabled(true): registered, status now enabled",
+                              "LoginItem.setEnabled(false): unregistered, status now notRegistered",
+                              "LoginItem.setEnabled(true): error disk full",
+                              "notify: Launch at login change failed: disk full"}));
+        QCOMPARE(platform.notifications->shown,
+                 QStringList("Brindle|Launch at login change failed: disk full"));
     }
 
     void refusedNotificationIsLogged() {

@@ -191,10 +191,11 @@ private Q_SLOTS:
         QTest::addColumn<QString>("pasted");
         QTest::addColumn<QString>("label");
         QTest::newRow("issue") << "http://H.example/browse/abc-1/?x=1"
-                               << "[ABC-1 - BUG - Crash](" + issue + ")"
+                               << "[ABC-1 - BUG 🐛 - Crash](" + issue + ")"
                                << "ABC-1";
         QTest::newRow("comment") << issue + "?focusedCommentId=77"
-                                 << "[ABC-1 *Ann* - BUG - Crash](" + issue + "?focusedCommentId=77)"
+                                 << "[ABC-1 *Ann* 🗨 - BUG 🐛 - Crash](" + issue +
+                                        "?focusedCommentId=77)"
                                  << "ABC-1";
         QTest::newRow("page") << page << "[**Plan** ENG Page 12](" + page + ")"
                               << "confluence page 12";
@@ -213,7 +214,9 @@ private Q_SLOTS:
         Enrichment::run(true);
         QVERIFY(scene.app.isFetching());
         // Templates and format are those in force when the title arrives.
-        Settings::shared().displayTemplate = "{key}<c> {commenter-name}</c> - {TYPE} - {summary}";
+        Settings::shared().displayTemplate =
+            "{key}<c> {commenter-name} {comment-emoji}</c> - {TYPE} {type-emoji} - {summary}";
+        Settings::shared().commentEmoji = "🗨";
         Settings::shared().confluenceTemplate = "<b>{title}</b> {space} {type} {id}";
         Settings::shared().pasteFormat = PasteFormat::Markdown;
         scene.dispatch->advance(3s);

@@ -225,6 +225,7 @@ void TestModelText::linksRtf() {
     QFETCH(QString, address);
     AttributedText text = Enrichment::attributedFromMarked(u"a\uE000{b}\uE001"_s);
     text.setLink(link);
+    QCOMPARE(text.toRtf().contains("field"), !address.isEmpty());
     const auto content = readRtf(text.toRtf());
     QVERIFY(content);
     const QList<RtfContent::Run> expected{{u"a"_s, false, false, address},
