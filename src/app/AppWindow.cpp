@@ -9,6 +9,7 @@
 
 AppWindow::AppWindow(const QString &title, QWidget *view, const MenuActions &actions) {
     setWindowTitle(title);
+    setWindowIcon(QIcon(QStringLiteral(":/icons/%1.png").arg(AppInfo::bundleIdentifier())));
     setCentralWidget(view);
     addApplicationMenu(actions);
     addEditMenu();
