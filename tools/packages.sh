@@ -1,7 +1,7 @@
 # Sourced by ./run and ./test: installs the Debian packages a task needs, once, and says so.
 
 BUILD_PACKAGES="g++ cmake ninja-build pkg-config qt6-base-dev libxcb1-dev libxcb-xfixes0-dev
-    libxcb-xkb-dev libxcb-xtest0-dev libsecret-1-dev"
+    libxcb-xkb-dev libxcb-xtest0-dev libsecret-1-dev libicu-dev"
 TEST_PACKAGES="clang-format xvfb xserver-xephyr openbox xdotool dunst gnome-keyring at-spi2-core
     dbus dbus-daemon x11-xserver-utils x11-xkb-utils python3 openssl libsecret-tools"
 

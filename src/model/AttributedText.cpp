@@ -1,7 +1,5 @@
 #include "model/AttributedText.h"
 
-#include <QByteArrayView>
-
 namespace {
 
 // 12 points is RTF's own default and that of the common word processors, so that a pasted link
@@ -60,20 +58,10 @@ void appendText(QByteArray &rtf, QStringView text) {
     }
 }
 
-/// The address with everything percent-encoded that a URL may not hold as it is. That takes in
-/// quotes, backslashes and braces, so that no address can end its field.
-QByteArray fieldAddress(const QUrl &link) {
-    constexpr QByteArrayView allowed = "-._~:/?#[]@!$&'()*+,;=%";
-    QByteArray address;
-    for (const char byte : link.toEncoded()) {
-        const bool alphanumeric = (byte >= '0' && byte <= '9') || (byte >= 'A' && byte <= 'Z') ||
-                                  (byte >= 'a' && byte <= 'z');
-        if (alphanumeric || allowed.contains(byte))
-            address += byte;
-        else
-            address += '%' + QByteArray(1, byte).toHex().toUpper();
-    }
-    return address;
+/// What comes before linked text. An encoded URL is ASCII without quotes, backslashes and braces,
+/// so no address can end its field.
+QByteArray linkStart(const QUrl &link) {
+    return "{\\field{\\*\\fldinst{HYPERLINK \"" + link.toEncoded() + "\"}}{\\fldrslt ";
 }
 
 void appendRun(QByteArray &rtf, const AttributedText::Run &run) {
@@ -106,7 +94,7 @@ QByteArray AttributedText::toRtf() const {
     const bool linked = m_link.isValid() && !m_runs.isEmpty();
     QByteArray rtf = documentStart;
     if (linked)
-        rtf += "{\\field{\\*\\fldinst{HYPERLINK \"" + fieldAddress(m_link) + "\"}}{\\fldrslt ";
+        rtf += linkStart(m_link);
     for (const Run &run : m_runs)
         appendRun(rtf, run);
     if (linked)
