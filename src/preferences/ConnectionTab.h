@@ -1,0 +1,12 @@
+#pragma once
+
+#include <QWidget>
+
+/// The tab on which the user enters the site, the account and the two tokens, and tries them. Its
+/// content comes without outer margins and may be taller than the window. Main thread only.
+class ConnectionTab : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit ConnectionTab(QWidget *parent = nullptr);
+};

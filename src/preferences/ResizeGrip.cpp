@@ -1,0 +1,66 @@
+#include "preferences/ResizeGrip.h"
+
+#include "preferences/kit/Style.h"
+
+#include <QMouseEvent>
+#include <QPainter>
+
+namespace {
+constexpr int side = 13;
+constexpr int leastDrag = 10;
+constexpr int keyStep = 10;
+} // namespace
+
+ResizeGrip::ResizeGrip(QWidget *parent) : QWidget(parent) {
+    setFixedSize(side, side);
+    setCursor(Qt::SizeVerCursor);
+    setFocusPolicy(Qt::TabFocus);
+    setAccessibleName(QStringLiteral("Resize the field"));
+    setAccessibleDescription(QStringLiteral("The Up and Down keys change its height."));
+}
+
+void ResizeGrip::paintEvent(QPaintEvent *) {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    QColor colour = Style::colour(Style::ColourRole::Secondary, palette());
+    colour.setAlphaF(0.55F);
+    if (hasFocus())
+        colour = Style::colour(Style::ColourRole::Accent, palette());
+    painter.setPen(QPen(colour, hasFocus() ? 2 : 1.3));
+    for (const qreal reach : {2.5, 6.5, 10.5})
+        painter.drawLine(QPointF(width() - reach, height() - 0.5),
+                         QPointF(width() - 0.5, height() - reach));
+}
+
+void ResizeGrip::mousePressEvent(QMouseEvent *event) {
+    if (event->button() == Qt::LeftButton)
+        m_pressedAt = event->globalPosition().toPoint();
+}
+
+void ResizeGrip::mouseMoveEvent(QMouseEvent *event) {
+    if (!m_pressedAt)
+        return;
+    const QPoint way = event->globalPosition().toPoint() - *m_pressedAt;
+    m_dragging = m_dragging || QPoint::dotProduct(way, way) >= leastDrag * leastDrag;
+    if (m_dragging)
+        Q_EMIT dragged(way.y());
+}
+
+void ResizeGrip::mouseReleaseEvent(QMouseEvent *event) {
+    if (event->button() != Qt::LeftButton)
+        return;
+    m_pressedAt.reset();
+    if (m_dragging) {
+        m_dragging = false;
+        Q_EMIT dragEnded();
+    }
+}
+
+void ResizeGrip::keyPressEvent(QKeyEvent *event) {
+    if (event->key() != Qt::Key_Up && event->key() != Qt::Key_Down) {
+        QWidget::keyPressEvent(event);
+        return;
+    }
+    Q_EMIT dragged(event->key() == Qt::Key_Down ? keyStep : -keyStep);
+    Q_EMIT dragEnded();
+}

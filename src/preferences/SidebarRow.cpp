@@ -1,0 +1,60 @@
+#include "preferences/SidebarRow.h"
+
+#include "preferences/kit/Style.h"
+#include "preferences/kit/TileIcon.h"
+
+#include <QHBoxLayout>
+#include <QPainter>
+
+namespace {
+constexpr int iconGap = 11;
+constexpr int verticalPadding = 9;
+constexpr int horizontalPadding = 10;
+} // namespace
+
+SidebarRow::SidebarRow(PreferencesTab tab, QWidget *parent) : QAbstractButton(parent), m_tab(tab) {
+    const PreferencesTabs::Face &face = PreferencesTabs::face(tab);
+    setText(face.title);
+    setAccessibleName(face.title);
+    setCheckable(true);
+    setAutoExclusive(true);
+    setFocusPolicy(Qt::StrongFocus);
+    setAttribute(Qt::WA_Hover);
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    Style::dress(this, Style::TextRole::Body);
+    auto *row = new QHBoxLayout(this);
+    row->setContentsMargins(horizontalPadding, 0, horizontalPadding, 0);
+    row->addWidget(new TileIcon(face.symbol, face.tile, face.glyph));
+    row->addStretch();
+}
+
+QSize SidebarRow::sizeHint() const {
+    const int words = fontMetrics().horizontalAdvance(text());
+    return {2 * horizontalPadding + TileIcon::side + iconGap + words,
+            std::max(TileIcon::side, fontMetrics().height()) + 2 * verticalPadding};
+}
+
+void SidebarRow::focusInEvent(QFocusEvent *event) {
+    m_ring.focusIn(*event);
+    QAbstractButton::focusInEvent(event);
+}
+
+void SidebarRow::paintEvent(QPaintEvent *) {
+    using Style::ColourRole;
+    QPainter painter(this);
+    QColor fill = Style::colour(ColourRole::Accent, palette());
+    QColor words = Style::colour(ColourRole::Primary, palette());
+    if (isChecked()) {
+        words = Style::colour(ColourRole::OnAccent, palette());
+        Style::paintBox(painter, rect(), Style::boxRadius, fill);
+    } else if (underMouse()) {
+        fill.setAlphaF(0.14F);
+        Style::paintBox(painter, rect(), Style::boxRadius, fill);
+    }
+    painter.setPen(words);
+    painter.drawText(rect().adjusted(horizontalPadding + TileIcon::side + iconGap, 0, 0, 0),
+                     Qt::AlignVCenter | Qt::AlignLeft, text());
+    if (hasFocus() && m_ring.isVisible())
+        Style::paintBox(painter, QRectF(rect()).adjusted(2, 2, -2, -2), Style::boxRadius - 2, {},
+                        words, 1.5);
+}

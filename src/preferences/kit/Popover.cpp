@@ -1,0 +1,52 @@
+#include "preferences/kit/Popover.h"
+
+#include "preferences/kit/Style.h"
+
+#include <QBitmap>
+#include <QGuiApplication>
+#include <QPainter>
+#include <QScreen>
+
+namespace {
+constexpr int gap = 4;
+}
+
+Popover::Popover(Qt::WindowType type, QWidget *parent)
+    : QFrame(parent, type | Qt::FramelessWindowHint) {
+    setAttribute(Qt::WA_ShowWithoutActivating, type == Qt::ToolTip);
+    setAttribute(Qt::WA_X11NetWmWindowTypeCombo);
+}
+
+void Popover::showAt(const QRect &anchor) {
+    adjustSize();
+    const QScreen *screen = QGuiApplication::screenAt(anchor.center());
+    const QRect space = (screen ? screen : QGuiApplication::primaryScreen())->availableGeometry();
+    QRect place(QPoint(anchor.center().x() - width() / 2, anchor.bottom() + gap), size());
+    if (place.bottom() > space.bottom() && anchor.top() - gap - height() >= space.top())
+        place.moveBottom(anchor.top() - gap);
+    place.moveLeft(std::max(space.left(), std::min(place.left(), space.right() - width() + 1)));
+    place.moveTop(std::max(space.top(), std::min(place.top(), space.bottom() - height() + 1)));
+    move(place.topLeft());
+    show();
+}
+
+void Popover::paintEvent(QPaintEvent *) {
+    using Style::ColourRole;
+    QPainter painter(this);
+    Style::paintBox(painter, rect(), Style::boxRadius, palette().color(QPalette::Base),
+                    Style::colour(ColourRole::FieldStroke, palette()));
+}
+
+void Popover::resizeEvent(QResizeEvent *) {
+    // A mask, since corners are black where nothing composes windows.
+    QBitmap shape(size());
+    shape.clear();
+    QPainter painter(&shape);
+    Style::paintBox(painter, rect(), Style::boxRadius, Qt::color1, Qt::color1);
+    painter.end();
+    setMask(shape);
+}
+
+void Popover::hideEvent(QHideEvent *) {
+    Q_EMIT closed();
+}

@@ -1,0 +1,117 @@
+#include "preferences/kit/ResultLine.h"
+
+#include "preferences/kit/Style.h"
+#include "preferences/kit/Symbols.h"
+
+#include <QAccessible>
+#include <QEvent>
+#include <QHBoxLayout>
+#include <QPainter>
+
+namespace {
+
+Style::ColourRole colourOf(ResultLine::State state) {
+    switch (state) {
+    case ResultLine::State::Success:
+        return Style::ColourRole::Success;
+    case ResultLine::State::Warning:
+        return Style::ColourRole::Warning;
+    case ResultLine::State::Failure:
+        return Style::ColourRole::Failure;
+    default:
+        return Style::ColourRole::Secondary;
+    }
+}
+
+/// The symbol of a result; turns while something is under way and it can be seen.
+class ResultIcon : public QWidget {
+public:
+    explicit ResultIcon(const ResultLine &line) : m_line(line) {
+        constexpr int frame = 80;
+        m_turn.setInterval(frame);
+        m_turn.callOnTimeout(this, [this] {
+            m_angle = (m_angle + 30) % 360;
+            update();
+        });
+        settle();
+    }
+
+    void settle() {
+        const int side = Style::scaled(18);
+        setFixedSize(side, side);
+        if (isVisible() && m_line.state() == ResultLine::State::Busy)
+            m_turn.start();
+        else
+            m_turn.stop();
+        update();
+    }
+
+protected:
+    void showEvent(QShowEvent *) override { settle(); }
+    void hideEvent(QHideEvent *) override { m_turn.stop(); }
+
+    void paintEvent(QPaintEvent *) override {
+        QPainter painter(this);
+        const QColor colour = Style::colour(colourOf(m_line.state()), palette());
+        switch (m_line.state()) {
+        case ResultLine::State::Idle:
+            break;
+        case ResultLine::State::Busy:
+            paintArc(painter, colour);
+            break;
+        case ResultLine::State::Success:
+            Symbols::paint(painter, Symbol::CheckmarkCircle, rect(), colour);
+            break;
+        case ResultLine::State::Warning:
+            Symbols::paint(painter, Symbol::WarningTriangle, rect(), colour);
+            break;
+        case ResultLine::State::Failure:
+            Symbols::paint(painter, Symbol::CrossCircle, rect(), colour);
+            break;
+        }
+    }
+
+private:
+    void paintArc(QPainter &painter, const QColor &colour) const {
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setPen(QPen(colour, 2, Qt::SolidLine, Qt::RoundCap));
+        painter.drawArc(QRectF(rect()).adjusted(3, 3, -3, -3), -m_angle * 16, 270 * 16);
+    }
+
+    const ResultLine &m_line;
+    QTimer m_turn;
+    int m_angle = 0;
+};
+
+} // namespace
+
+ResultLine::ResultLine(QWidget *parent) : QWidget(parent), m_icon(new ResultIcon(*this)) {
+    auto *row = new QHBoxLayout(this);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->setSpacing(7);
+    m_text.setWordWrap(true);
+    m_text.setTextFormat(Qt::PlainText);
+    m_text.setTextInteractionFlags(Qt::TextSelectableByMouse);
+    row->addWidget(m_icon, 0, Qt::AlignTop);
+    row->addWidget(&m_text, 1);
+    setResult(State::Idle);
+}
+
+void ResultLine::setResult(State state, const QString &text) {
+    m_state = state;
+    m_text.setText(text);
+    setAccessibleName(text);
+    Style::dress(&m_text, Style::TextRole::Caption, colourOf(state));
+    setVisible(state != State::Idle);
+    static_cast<ResultIcon *>(m_icon)->settle();
+    if (state != State::Idle && isVisible()) {
+        QAccessibleEvent news(this, QAccessible::Alert);
+        QAccessible::updateAccessibility(&news);
+    }
+}
+
+bool ResultLine::event(QEvent *event) {
+    if (event->type() == QEvent::ApplicationFontChange)
+        static_cast<ResultIcon *>(m_icon)->settle();
+    return QWidget::event(event);
+}

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <QLabel>
+#include <QTimer>
+#include <QWidget>
+
+/// How something went: a symbol and a text. Hidden while there is nothing to tell.
+class ResultLine : public QWidget {
+    Q_OBJECT
+
+public:
+    enum class State { Idle, Busy, Success, Warning, Failure };
+
+    explicit ResultLine(QWidget *parent = nullptr);
+
+    /// Shows `text` in the way of `state`; Idle hides the line.
+    void setResult(State state, const QString &text = {});
+
+    State state() const { return m_state; }
+    QString text() const { return m_text.text(); }
+
+protected:
+    bool event(QEvent *event) override;
+
+private:
+    State m_state = State::Idle;
+    QWidget *m_icon;
+    QLabel m_text;
+};
