@@ -40,8 +40,7 @@ bool LoginItem::setEnabled(bool enabled) {
                      QStringLiteral("Launch at login change failed: ") + error);
         return false;
     }
-    log(operation +
-        (enabled ? QStringLiteral("registered") : QStringLiteral("unregistered")) +
+    log(operation + (enabled ? QStringLiteral("registered") : QStringLiteral("unregistered")) +
         QStringLiteral(", status now ") + describe(items.status()));
     return true;
 }

@@ -65,7 +65,7 @@ public:
     /// Who has fetched what was last written.
     virtual PasteboardFetches fetches() = 0;
 
-    /// Gives what we own to whoever keeps the clipboard beyond its owner's end, if somebody does. To
-    /// be called before quitting; bounded in time.
+    /// Gives what we own to whoever keeps the clipboard beyond its owner's end, if somebody does.
+    /// To be called before quitting; bounded in time.
     virtual void handOver() = 0;
 };

@@ -49,6 +49,8 @@ void EmojiPicker::build() {
     m_name->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
     addGrid(m_recent, QStringLiteral("Recent emoji"));
     addGrid(m_all, QStringLiteral("Emoji"));
+    connect(m_recent, &EmojiGrid::leftDownwards, m_all,
+            [this] { m_all->setFocus(Qt::TabFocusReason); });
     m_recent->showEmoji(EmojiCatalogue::recent());
     const qsizetype recentRows =
         (EmojiCatalogue::recent().size() + EmojiGrid::columns - 1) / EmojiGrid::columns;

@@ -103,6 +103,12 @@ void EmojiGrid::keyPressEvent(QKeyEvent *event) {
             return;
         }
         break;
+    case Qt::Key_Down:
+        if (currentIndex().row() / columns == (m_model.rowCount() - 1) / columns) {
+            Q_EMIT leftDownwards();
+            return;
+        }
+        break;
     case Qt::Key_Left:
     case Qt::Key_Right: {
         // Past the end of a row comes the next one.

@@ -26,6 +26,8 @@ Q_SIGNALS:
     void named(const QString &name);
     /// Up was pressed in the first row.
     void leftUpwards();
+    /// Down was pressed in the last row.
+    void leftDownwards();
 
 protected:
     void currentChanged(const QModelIndex &current, const QModelIndex &previous) override;

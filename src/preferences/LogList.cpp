@@ -52,9 +52,13 @@ void LogList::show(const QList<LogStore::Entry> &entries) {
     // A selection that reaches to the end would grow with the log.
     QTextCursor selection = textCursor();
     selection.setKeepPositionOnInsert(true);
+    const bool hadSelection = selection.hasSelection();
     for (qsizetype i = m_rows.size(); i < entries.size(); ++i)
         append(entries.at(i));
-    if (selection.hasSelection() && selection != textCursor())
+    // Without one, the cursor's two ends part as text arrives between them, which selects it.
+    if (!hadSelection)
+        selection.setPosition(selection.position());
+    if (selection != textCursor())
         select(selection);
     if (isNew)
         slideToEnd();

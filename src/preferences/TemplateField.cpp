@@ -95,9 +95,13 @@ void TemplateField::insertAtCursor(const QString &token) {
     cursor.setPosition(braceBefore(position) ? position - 1 : position);
     const int caret = cursor.position() + static_cast<int>(token.size());
     cursor.setPosition(position, QTextCursor::KeepAnchor);
+    // The document adds to its last step of undoing only while it counts as modified, so typing
+    // before and after the token stays apart from it.
+    m_textView->document()->setModified(false);
     cursor.beginEditBlock();
     cursor.insertText(token);
     cursor.endEditBlock();
+    m_textView->document()->setModified(false);
     const auto moveCaret = [this, caret] {
         QTextCursor place(m_textView->document());
         place.setPosition(std::min(caret, static_cast<int>(text().size())));

@@ -87,6 +87,7 @@ private Q_SLOTS:
         QCOMPARE(scene.list()->document()->blockCount(), 2);
         QVERIFY(scene.rows().contains("14:03:09\tsecond"));
         QCOMPARE(scene.count(), "2 entries (last 200 kept)");
+        QVERIFY(!scene.list()->textCursor().hasSelection());
     }
 
     void aSelectionSurvivesNews() {

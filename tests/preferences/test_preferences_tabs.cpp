@@ -250,6 +250,10 @@ private Q_SLOTS:
         QTRY_VERIFY(openPicker(scene));
         QTest::keyClick(openPicker(scene)->findChild<QLineEdit *>(), Qt::Key_Down);
         QCOMPARE(nameOf(QApplication::focusWidget()), "Recent emoji");
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Down);
+        QCOMPARE(nameOf(QApplication::focusWidget()), "Emoji");
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Up);
+        QCOMPARE(nameOf(QApplication::focusWidget()), "Recent emoji");
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
         QCOMPARE(Settings::shared().commentEmoji(), u"a\U0001F680\U0001F680"_qs);
     }

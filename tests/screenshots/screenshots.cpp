@@ -1,4 +1,5 @@
-// Draws the windows with sample settings, light and dark, into a folder. tools/screenshots.sh runs it.
+// Draws the windows with sample settings, light and dark, into a folder. tools/screenshots.sh runs
+// it.
 
 #include "app/AppWindow.h"
 #include "fakes/FakePlatform.h"

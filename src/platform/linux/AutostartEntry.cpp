@@ -42,8 +42,7 @@ Entry readEntry(const QString &path) {
 
 /// Some session managers honour one mark and some the other; either switches the entry off.
 bool isSwitchedOff(const Entry &entry) {
-    return entry.value("Hidden") == "true" ||
-           entry.value("X-GNOME-Autostart-enabled") == "false";
+    return entry.value("Hidden") == "true" || entry.value("X-GNOME-Autostart-enabled") == "false";
 }
 
 /// As the Exec key wants it: in double quotes, with a backslash before what stays special in them.
@@ -69,7 +68,8 @@ LoginItems::Status AutostartEntry::status() {
 
 QString AutostartEntry::add() {
     if (QFileInfo::exists(path()) && !readEntry(path()).contains(ownershipKey))
-        return QStringLiteral("an autostart entry of that name, not made by Brindle, is in the way");
+        return QStringLiteral(
+            "an autostart entry of that name, not made by Brindle, is in the way");
     if (!QDir().mkpath(QFileInfo(path()).path()))
         return QStringLiteral("the autostart folder can't be made");
     const QString program = QCoreApplication::applicationFilePath();

@@ -45,8 +45,8 @@ PasteboardFetches X11SelectionOwner::fetches() {
 
 void X11SelectionOwner::handOver() {
     const xcb_atom_t manager = m_x11.atom("CLIPBOARD_MANAGER");
-    const XcbPtr<xcb_get_selection_owner_reply_t> reply(xcb_get_selection_owner_reply(
-        m_x11, xcb_get_selection_owner(m_x11, manager), nullptr));
+    const XcbPtr<xcb_get_selection_owner_reply_t> reply(
+        xcb_get_selection_owner_reply(m_x11, xcb_get_selection_owner(m_x11, manager), nullptr));
     if (!reply || reply->owner == XCB_WINDOW_NONE)
         return;
     QList<xcb_atom_t> targets;
