@@ -21,7 +21,7 @@ WrappingText::WrappingText(const QString &name, QWidget *parent) : QTextEdit(par
     setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
     document()->setDocumentMargin(sideMargin);
     viewport()->setAutoFillBackground(false);
-    QSizePolicy policy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    QSizePolicy policy(QSizePolicy::Expanding, QSizePolicy::Preferred);
     policy.setHeightForWidth(true);
     setSizePolicy(policy);
     connect(this, &QTextEdit::textChanged, this, &WrappingText::updateGeometry);
