@@ -108,6 +108,10 @@ JiraClient::CloudId JiraClient::cachedOrDiscoveredCloudId(const QString &baseURL
     if (!discovered.resource)
         return {{}, discovered.error.value_or(u"Couldn't discover cloud ID"_s)};
     const QString cloudId = discovered.resource->cloudId;
-    Platform::current().dispatch->toMain([cloudId] { Settings::shared().cloudId = cloudId; });
+    Platform::current().dispatch->toMain([cloudId, baseURL] {
+        // The id of a site that was edited meanwhile would send later fetches to the wrong one.
+        if (Settings::shared().baseURL() == baseURL)
+            Settings::shared().cloudId = cloudId;
+    });
     return {cloudId, {}};
 }

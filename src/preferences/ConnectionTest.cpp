@@ -179,10 +179,11 @@ void ConnectionTest::probe(const Site &site, const QString &token) {
     Platform::current().dispatch->toBackground(
         [self = QPointer(this), product = m_product, site, token] {
             const Attempt result = attempt(product, site.baseURL, site.email, token);
-            Platform::current().dispatch->toMain([self, result] {
+            Platform::current().dispatch->toMain([self, result, baseURL = site.baseURL] {
                 if (!self)
                     return;
-                if (result.cloudId)
+                // The id of a site that was edited meanwhile would send fetches to the wrong one.
+                if (result.cloudId && Settings::shared().baseURL() == baseURL)
                     Settings::shared().cloudId = *result.cloudId;
                 self->tell(result.message, !result.cloudId);
             });

@@ -176,6 +176,17 @@ private Q_SLOTS:
         QVERIFY(log.contains("discoverResource: 200, cloud ID c-1 for h.example"));
     }
 
+    void siteEditedDuringADiscoveryKeepsItsOwnCloudId() {
+        FakePlatform platform;
+        Settings::shared().baseURL = "https://h.example";
+        platform.urlSession->answers = {{tenant, ok(R"({"cloudId":"c-1"})")},
+                                        {pageUrl, ok(R"({"title":"Plan"})")}};
+        ConfluenceClient::fetchPage("12", "https://h.example", "a", "t", [](const auto &) {});
+        Settings::shared().baseURL = "https://other.example";
+        platform.dispatch->drain();
+        QCOMPARE(Settings::shared().cloudId(), QString());
+    }
+
     void discovery_data() {
         QTest::addColumn<QString>("site");
         QTest::addColumn<QString>("url"); // empty: no request
