@@ -8,4 +8,4 @@ ensure_packages $BUILD_PACKAGES $TEST_PACKAGES fonts-noto-color-emoji
 [ -f build/dev/build.ninja ] || cmake --preset dev >/dev/null
 cmake --build --preset dev --target brindle_screenshots
 mkdir -p docs/screenshots
-QT_QPA_PLATFORM=offscreen QT_SCALE_FACTOR=1 build/dev/tests/screenshots/brindle_screenshots docs/screenshots
+QT_QPA_PLATFORM=offscreen QT_SCALE_FACTOR=1 build/dev/tools/screenshots/brindle_screenshots docs/screenshots
