@@ -1,0 +1,16 @@
+#pragma once
+
+#include "bench/Measure.h"
+
+/// From the press of the hotkey to the text in the window in front, without the pause that both
+/// programs make before the paste keys.
+QList<Row> benchPastes();
+
+/// Looking for a reference in a large clipboard that holds none.
+QList<Row> benchDetection();
+
+/// From the start of the program until its icon is docked and its hotkey is registered.
+QList<Row> benchStart();
+
+/// Memory and wake-ups of the program when nothing happens.
+QList<Row> benchIdle();
