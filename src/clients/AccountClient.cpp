@@ -28,6 +28,8 @@ bool digitGoesOn(QStringView text) {
 }
 
 std::optional<QString> idFromURL(QStringView text, const QString &base) {
+    if (text.size() < base.size() + idLength)
+        return std::nullopt;
     const qsizetype found = text.indexOf(base);
     if (found < 0)
         return std::nullopt;

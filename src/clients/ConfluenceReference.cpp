@@ -32,8 +32,12 @@ const QRegularExpression &blogLinkPattern() {
 /// the URL parser would reject too, and none of them copies: both patterns hold the path, and no
 /// URL holds a space or a control character.
 bool mayBeSpaceLink(QStringView text) {
-    return text.contains(u"/wiki/spaces/") &&
-           std::none_of(text.begin(), text.end(), [](QChar unit) { return unit <= u' '; });
+    // In this order: prose has a space among its first units.
+    if (std::any_of(text.begin(), text.end(), [](QChar unit) { return unit <= u' '; }))
+        return false;
+    const qsizetype space = text.indexOf(u"/wiki/spaces/");
+    return space >= 0 &&
+           (text.indexOf(u"/pages/", space) >= 0 || text.indexOf(u"/blog/", space) >= 0);
 }
 
 /// `text` from its start to the end of the URL's authority, which alone decides the host; so what

@@ -1,5 +1,19 @@
 #include "clients/SiteAddress.h"
 
+#include <utility>
+
+namespace {
+
+std::optional<SiteAddress> parseAnew(const QString &baseURL) {
+    const QString text = SiteAddress::withoutSlashes(baseURL);
+    const std::optional<QUrl> url = urlWithHost(text);
+    if (!url)
+        return std::nullopt;
+    return SiteAddress{text, lowerCasedHost(*url)};
+}
+
+} // namespace
+
 QString SiteAddress::withoutSlashes(QStringView baseURL) {
     while (baseURL.startsWith(u'/'))
         baseURL = baseURL.sliced(1);
@@ -9,11 +23,11 @@ QString SiteAddress::withoutSlashes(QStringView baseURL) {
 }
 
 std::optional<SiteAddress> SiteAddress::parse(const QString &baseURL) {
-    const QString text = withoutSlashes(baseURL);
-    const std::optional<QUrl> url = urlWithHost(text);
-    if (!url)
-        return std::nullopt;
-    return SiteAddress{text, lowerCasedHost(*url)};
+    // The same setting is asked for once a link, and a page may have a hundred thousand.
+    thread_local std::pair<QString, std::optional<SiteAddress>> latest;
+    if (latest.first != baseURL)
+        latest = {baseURL, parseAnew(baseURL)};
+    return latest.second;
 }
 
 std::optional<QUrl> urlWithHost(const QString &text) {

@@ -50,9 +50,8 @@ void finish(const Pasting::Outcome &outcome, qint64 expectedChangeCount) {
 
 /// On a background thread. The look at the focus costs the desktop's accessibility service up to a
 /// tenth of a second, so it shares the pause before the keystroke.
-void paste(quint16 vKey, qint64 expectedChangeCount) {
+void paste(quint16 vKey, qint64 expectedChangeCount, Dispatch::Clock::time_point start) {
     const Platform &platform = Platform::current();
-    const auto start = platform.dispatch->now();
     if (platform.keyboard->isPasswordFieldFocused(focusDeadline)) {
         platform.dispatch->toMain(leaveForManualPaste);
         return;
@@ -66,6 +65,7 @@ void paste(quint16 vKey, qint64 expectedChangeCount) {
 
 void Enrichment::deliverPaste(const QString &notifyText, bool pasteAfter) {
     const Platform &platform = Platform::current();
+    const auto start = platform.dispatch->now(); // what follows shares the pause
     if (!pasteAfter) {
         ClipboardRestorer::abandon();
         Notify::show(AppInfo::displayName(), QStringLiteral("Clipboard: ") + notifyText);
@@ -78,8 +78,7 @@ void Enrichment::deliverPaste(const QString &notifyText, bool pasteAfter) {
     const qint64 expectedChangeCount = platform.pasteboard->changeCount();
     ClipboardRestorer::markDelivering();
     const quint16 vKey = Pasting::resolveVKeyCode();
-    platform.dispatch->toBackground(
-        [vKey, expectedChangeCount] { paste(vKey, expectedChangeCount); });
+    platform.dispatch->toBackground([=] { paste(vKey, expectedChangeCount, start); });
 }
 
 void Enrichment::showAccessibilityAlert(const QString &detail) {

@@ -6,7 +6,10 @@
 #include "model/Text.h"
 #include "platform/Platform.h"
 
-#include <QSet>
+#include <QList>
+
+#include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -22,10 +25,26 @@ const QRegularExpression &hrefPattern() {
     return pattern;
 }
 
-/// The pattern engine refuses a text with half a surrogate pair as a whole; a replacement character
-/// in its place keeps the rest readable.
-QString withoutLoneSurrogates(QString text) {
-    if (QStringView(text).isValidUtf16())
+/// Whether any unit of `text` is half of a surrogate pair. Without an early way out of the inner
+/// loop, so that the compiler can look at many units at once.
+bool holdsSurrogates(QStringView text) {
+    constexpr qsizetype block = 4096;
+    for (qsizetype start = 0; start < text.size(); start += block) {
+        const char16_t *units = text.utf16() + start;
+        const qsizetype count = std::min(block, text.size() - start);
+        char16_t found = 0;
+        for (qsizetype i = 0; i < count; ++i)
+            found |= static_cast<char16_t>((units[i] & 0xf800) == 0xd800);
+        if (found)
+            return true;
+    }
+    return false;
+}
+
+} // namespace
+
+QString Enrichment::withoutLoneSurrogates(QString text) {
+    if (!holdsSurrogates(text) || QStringView(text).isValidUtf16())
         return text;
     for (qsizetype i = 0; i < text.size(); ++i) {
         const bool isPair =
@@ -38,84 +57,67 @@ QString withoutLoneSurrogates(QString text) {
     return text;
 }
 
-/// Appends `texts` to `list`, leaving out what is empty or already in it.
-class Gatherer {
-public:
-    explicit Gatherer(QList<QStringView> &list) : m_list(list) {}
-
-    void add(QStringView text) {
-        if (text.isEmpty())
-            return;
-        const qsizetype known = m_seen.size();
-        m_seen.insert(text);
-        if (m_seen.size() > known)
-            m_list.append(text);
-    }
-
-    void add(const QList<QStringView> &texts) {
-        for (const QStringView text : texts)
-            add(text);
-    }
-
-private:
-    QList<QStringView> &m_list;
-    QSet<QStringView> m_seen;
-};
-
-} // namespace
-
-QList<QStringView> Enrichment::scanMatches(const QRegularExpression &pattern, QStringView text,
-                                           int group) {
-    QList<QStringView> found;
+bool Enrichment::scanMatches(const QRegularExpression &pattern, QStringView text, int group,
+                             const CandidateVisitor &visit) {
     if (!pattern.isValid())
-        return found;
+        return false;
     auto matches = pattern.globalMatch(text, 0, QRegularExpression::NormalMatch,
                                        QRegularExpression::DontCheckSubjectStringMatchOption);
     while (matches.hasNext()) {
         const QRegularExpressionMatch match = matches.next();
-        if (match.capturedStart(group) >= 0)
-            found.append(match.capturedView(group));
+        if (match.capturedStart(group) >= 0 && visit(match.capturedView(group)))
+            return true;
     }
-    return found;
+    return false;
 }
 
-Enrichment::Candidates Enrichment::candidatesIn(std::optional<QString> plain,
-                                                std::optional<QString> html) {
-    Candidates candidates;
-    Gatherer gatherer(candidates.texts);
-    if (plain) {
-        candidates.plain = withoutLoneSurrogates(std::move(*plain));
-        gatherer.add(Text::trimmedView(candidates.plain));
-        gatherer.add(scanMatches(urlPattern(), candidates.plain, 0));
-    }
-    if (html) {
-        candidates.html = withoutLoneSurrogates(std::move(*html));
-        gatherer.add(scanMatches(hrefPattern(), candidates.html, 1));
-        gatherer.add(scanMatches(urlPattern(), candidates.html, 0));
-    }
-    return candidates;
-}
-
-Enrichment::Candidates Enrichment::clipboardURLCandidates() {
-    Pasteboard &pasteboard = *Platform::current().pasteboard;
-    return candidatesIn(pasteboard.text(PasteboardType::String),
-                        pasteboard.text(PasteboardType::Html));
+// Each text is visited while it is still warm from being found; gathering them first and comparing
+// each with all others took three times as long on a page with a hundred thousand links.
+bool Enrichment::clipboardURLCandidates(QStringView plain, QStringView html,
+                                        const CandidateVisitor &visit) {
+    const QStringView whole = Text::trimmedView(plain);
+    if ((!whole.isEmpty() && visit(whole)) || scanMatches(urlPattern(), plain, 0, visit))
+        return true;
+    QList<QStringView> anchors;
+    const auto visitAnchor = [&](QStringView anchor) {
+        anchors.append(anchor);
+        return visit(anchor);
+    };
+    if (scanMatches(hrefPattern(), html, 1, visitAnchor))
+        return true;
+    // Nearly every anchor is also a link; the same place needs no second look.
+    auto anchor = anchors.cbegin();
+    return scanMatches(urlPattern(), html, 0, [&](QStringView link) {
+        while (anchor != anchors.cend() && anchor->data() < link.data())
+            ++anchor;
+        const bool isAnchor = anchor != anchors.cend() && anchor->data() == link.data() &&
+                              anchor->size() == link.size();
+        return !isAnchor && visit(link);
+    });
 }
 
 std::optional<Enrichment::DetectedRef> Enrichment::detectRef(const QString &baseURL) {
-    const Candidates candidates = clipboardURLCandidates();
-    for (const QStringView candidate : candidates.texts) {
-        if (auto ref = JiraClient::extractRef(candidate, baseURL))
-            return *ref;
-        if (auto ref = ConfluenceClient::extractRef(candidate, baseURL))
-            return *ref;
-    }
+    Pasteboard &pasteboard = *Platform::current().pasteboard;
+    const QString plain =
+        withoutLoneSurrogates(pasteboard.text(PasteboardType::String).value_or(QString()));
+    const QString html =
+        withoutLoneSurrogates(pasteboard.text(PasteboardType::Html).value_or(QString()));
     const QString base = AccountClient::normalizedBase();
-    if (base.isEmpty())
-        return std::nullopt;
-    for (const QStringView candidate : candidates.texts) {
-        if (auto ref = AccountClient::extractRef(candidate, base))
-            return *ref;
-    }
-    return std::nullopt;
+    std::optional<DetectedRef> link;
+    std::optional<AccountRef> account;
+    QStringView latest;
+    clipboardURLCandidates(plain, html, [&](QStringView candidate) {
+        if (candidate == std::exchange(latest, candidate))
+            return false; // a link copied as text and as its own address, mostly
+        if (auto jira = JiraClient::extractRef(candidate, baseURL))
+            link = *jira;
+        else if (auto page = ConfluenceClient::extractRef(candidate, baseURL))
+            link = *page;
+        else if (!account && !base.isEmpty())
+            account = AccountClient::extractRef(candidate, base);
+        return link.has_value();
+    });
+    if (!link && account)
+        link = *account;
+    return link;
 }

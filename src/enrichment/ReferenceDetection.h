@@ -4,11 +4,11 @@
 #include "model/ConfluenceRef.h"
 #include "model/JiraRef.h"
 
-#include <QList>
 #include <QRegularExpression>
 #include <QString>
 #include <QStringView>
 
+#include <functional>
 #include <optional>
 #include <variant>
 
@@ -17,22 +17,22 @@ namespace Enrichment {
 /// The reference that a run works on.
 using DetectedRef = std::variant<JiraRef, ConfluenceRef, AccountRef>;
 
-/// What the clipboard offers as candidates. The candidates are views into the texts beside them, so
-/// that megabytes of HTML are held once.
-struct Candidates {
-    QString plain;
-    QString html;
-    QList<QStringView> texts; ///< non-empty, none twice, in the order in which they are tried
-};
+/// `text` with a replacement character for each half of a surrogate pair that stands alone: the
+/// pattern engine refuses such a text as a whole.
+QString withoutLoneSurrogates(QString text);
 
-/// The matched texts of `group` of every match of `pattern` in `text`, in match order.
-QList<QStringView> scanMatches(const QRegularExpression &pattern, QStringView text, int group);
+/// Looks at a text; true when it has seen enough.
+using CandidateVisitor = std::function<bool(QStringView)>;
 
-/// Gathers the candidates from the plain text and the HTML of the clipboard. Main thread.
-Candidates clipboardURLCandidates();
+/// Shows `visit` group `group` of each match of `pattern` in `text`, in order, until it has seen
+/// enough; whether it has.
+bool scanMatches(const QRegularExpression &pattern, QStringView text, int group,
+                 const CandidateVisitor &visit);
 
-/// The same from texts already read; an absent flavour is nothing.
-Candidates candidatesIn(std::optional<QString> plain, std::optional<QString> html);
+/// Shows `visit` each candidate in the plain text and the HTML of the clipboard, in the order in
+/// which they are tried, until it has seen enough; whether it has. A text may come again from
+/// another place. Texts without half surrogate pairs only.
+bool clipboardURLCandidates(QStringView plain, QStringView html, const CandidateVisitor &visit);
 
 /// The single reference the clipboard holds, if any: a Jira or Confluence link in the earliest
 /// candidate wins; only without one does a record id count. Main thread.

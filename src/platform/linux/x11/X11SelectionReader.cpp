@@ -6,7 +6,7 @@
 namespace {
 /// Properties are used in turn, so that the late answer to a read that was given up does not pass
 /// for the answer to the next one.
-constexpr int propertyCount = 64;
+constexpr int propertyCount = 8;
 } // namespace
 
 X11SelectionReader::X11SelectionReader(X11Connection &x11, xcb_atom_t selection)
