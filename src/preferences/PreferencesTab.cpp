@@ -21,12 +21,4 @@ const Face &face(PreferencesTab tab) {
     return faces.at(static_cast<size_t>(tab));
 }
 
-std::optional<PreferencesTab> fromTitle(const QString &title) {
-    for (const PreferencesTab tab : allCases) {
-        if (face(tab).title == title)
-            return tab;
-    }
-    return std::nullopt;
-}
-
 } // namespace PreferencesTabs

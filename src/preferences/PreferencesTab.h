@@ -6,7 +6,6 @@
 #include <QString>
 
 #include <array>
-#include <optional>
 
 /// The tabs of the preferences window, in order.
 enum class PreferencesTab { General, Jira, Confluence, Account, Connection };
@@ -26,8 +25,5 @@ struct Face {
 };
 
 const Face &face(PreferencesTab tab);
-
-/// The tab with that title; nothing if there is none.
-std::optional<PreferencesTab> fromTitle(const QString &title);
 
 } // namespace PreferencesTabs

@@ -341,15 +341,6 @@ private Q_SLOTS:
         }
         QCOMPARE(scene.takeLog(), expected);
     }
-
-    void copyMadeDuringThePasteStays() {
-        Scene scene;
-        Enrichment::run(true);
-        scene.dispatch->advance(300ms);
-        scene.pasteboard->copyText("newer");
-        scene.dispatch->advance(3s);
-        QCOMPARE(scene.clipboard(), "newer");
-    }
 };
 
 QTEST_GUILESS_MAIN(TestRun)

@@ -1,6 +1,5 @@
 #include "model/HotkeyFormat.h"
 #include "model/PasteFormat.h"
-#include "model/TemplateCatalog.h"
 #include "model/TypeEmojiMapping.h"
 
 #include <QSet>
@@ -14,7 +13,6 @@ class TestModelValues : public QObject {
 private Q_SLOTS:
     void readsPasteFormats_data();
     void readsPasteFormats();
-    void listsPasteFormats();
     void namesKeys_data();
     void namesKeys();
     void namesEveryKeyOnce();
@@ -28,7 +26,6 @@ private Q_SLOTS:
     void storesMappings();
     void decodesMappings_data();
     void decodesMappings();
-    void listsPlaceholders();
 };
 
 void TestModelValues::readsPasteFormats_data() {
@@ -50,18 +47,6 @@ void TestModelValues::readsPasteFormats() {
     QTEST(format ? PasteFormats::displayName(*format) : QString(), "displayName");
     if (format)
         QCOMPARE(PasteFormats::rawValue(*format), raw);
-}
-
-void TestModelValues::listsPasteFormats() {
-    const auto names = [](const auto &formats) {
-        QStringList list;
-        for (const PasteFormat format : formats)
-            list.append(PasteFormats::rawValue(format));
-        return list.join(u' ');
-    };
-    QCOMPARE(names(PasteFormats::allCases), u"richLink markdown plainText urlOnly"_s);
-    QCOMPARE(names(PasteFormats::linkFormats), u"richLink markdown plainText"_s);
-    QCOMPARE(names(PasteFormats::accountFormats), u"urlOnly richLink markdown plainText"_s);
 }
 
 void TestModelValues::namesKeys_data() {
@@ -235,20 +220,6 @@ void TestModelValues::decodesMappings() {
         QCOMPARE(mappings->first().type, u"Bug"_s);
         QCOMPARE(mappings->first().emoji, u"x"_s);
     }
-}
-
-void TestModelValues::listsPlaceholders() {
-    const auto tokens = [](const QList<TemplatePlaceholder> &placeholders) {
-        QStringList list;
-        for (const TemplatePlaceholder &placeholder : placeholders)
-            list.append(placeholder.id());
-        return list.join(u' ');
-    };
-    QCOMPARE(tokens(TemplateCatalog::placeholders()),
-             u"{key} {type} {TYPE} {summary} {status} {STATUS} {type-emoji} {commenter-name} "
-             u"{commenttext} {comment-emoji} <c> </c> <i> </i> <b> </b>"_s);
-    QCOMPARE(tokens(TemplateCatalog::confluencePlaceholders()),
-             u"{title} {space} {type} {id} <i> </i> <b> </b>"_s);
 }
 
 QTEST_GUILESS_MAIN(TestModelValues)

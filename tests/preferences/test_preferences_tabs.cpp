@@ -94,8 +94,6 @@ private Q_SLOTS:
         QTest::keyClick(scene.find<QAbstractButton>("ID Links"), Qt::Key_Up);
         QCOMPARE(scene.view->selectedTab(), PreferencesTab::Confluence);
         QVERIFY(!scene.says("Base URL"));
-        QCOMPARE(PreferencesTabs::fromTitle("ID Links"), PreferencesTab::Account);
-        QVERIFY(!PreferencesTabs::fromTitle("account"));
     }
 
     void hoverTintsOneRowAtATime() {
