@@ -2,8 +2,8 @@
 
 #include "bench/Measure.h"
 
-#include "e2e/BrindleProcess.h"
 #include "model/AppInfo.h"
+#include "stage/BrindleProcess.h"
 
 #include <QEventLoop>
 #include <QSettings>

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "stage/VirtualDesktop.h"
 #include "support/StatusArea.h"
-#include "support/TestDesktop.h"
 
 /// A desktop whose user has set Brindle up long ago, so that it asks for nothing at its start: with
 /// a settings file, a token in the keyring and a status area. Main thread only.
@@ -12,7 +12,7 @@ public:
     explicit Desk(const QString &recordFormat = "urlOnly");
 
     /// The desktop itself, to start programs on.
-    const TestDesktop &desktop() const { return m_desktop; }
+    const VirtualDesktop &desktop() const { return m_desktop; }
 
     /// Waits for the next icon in the status area; the time at which it came, by now().
     double waitForIcon();
@@ -20,6 +20,6 @@ public:
 private:
     void setBrindleUp(const QString &recordFormat) const;
 
-    TestDesktop m_desktop;
+    VirtualDesktop m_desktop;
     StatusArea m_area;
 };

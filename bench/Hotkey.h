@@ -1,6 +1,6 @@
 #pragma once
 
-#include "support/TestKeyboard.h"
+#include "stage/VirtualKeyboard.h"
 
 #include <xcb/xproto.h>
 
@@ -12,7 +12,7 @@ constexpr uint16_t modifiers = XCB_MOD_MASK_CONTROL | XCB_MOD_MASK_1 | XCB_MOD_M
 constexpr xcb_keycode_t key = keyCode(KEY_V);
 
 /// Presses it and lets go at once; false when the display does not take keys.
-inline bool tap(TestKeyboard &keyboard) {
+inline bool tap(VirtualKeyboard &keyboard) {
     return keyboard.chord(
         {keyCode(KEY_LEFTCTRL), keyCode(KEY_LEFTALT), keyCode(KEY_LEFTMETA), key});
 }

@@ -3,8 +3,8 @@
 #include "bench/Hotkey.h"
 #include "bench/PasteWindow.h"
 
-#include "support/ClipboardReader.h"
-#include "support/Helpers.h"
+#include "stage/Actors.h"
+#include "stage/ClipboardReader.h"
 
 #include <QThread>
 
@@ -52,8 +52,8 @@ public:
 private:
     Desk m_desk;
     PasteWindow m_window{m_desk.desktop().display()};
-    TestKeyboard m_keys{m_desk.desktop().keyboardDisplay()};
-    TestProcess m_program;
+    VirtualKeyboard m_keys{m_desk.desktop().keyboardDisplay()};
+    StageProcess m_program;
 };
 
 Row benchFormat(const QString &what, const QString &format, const QByteArray &type) {

@@ -29,7 +29,7 @@ private:
     template <typename Wait>
     double start(const QString &program, Wait untilThere) {
         require(waitFor([this] { return !Hotkey::isTaken(m_x); }), "the hotkey stays taken");
-        TestProcess process(m_desk.desktop().environment());
+        StageProcess process(m_desk.desktop().environment());
         const double begun = now();
         require(process.launch(program, {}), process.errorString());
         return untilThere() - begun;

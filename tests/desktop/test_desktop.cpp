@@ -5,7 +5,7 @@
 
 #include <QTest>
 
-class TestDesktop : public QObject {
+class VirtualDesktop : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -93,5 +93,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestDesktop)
+QTEST_GUILESS_MAIN(VirtualDesktop)
 #include "test_desktop.moc"

@@ -1,7 +1,7 @@
 #include "e2e/ClipboardManager.h"
 
-#include "support/ClipboardReader.h"
-#include "support/XConnection.h"
+#include "stage/ClipboardReader.h"
+#include "stage/XConnection.h"
 
 #include <QDeadlineTimer>
 

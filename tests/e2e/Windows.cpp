@@ -1,6 +1,6 @@
 #include "e2e/Windows.h"
 
-#include "support/XConnection.h"
+#include "stage/XConnection.h"
 
 QStringList windowTitles(const QString &display) {
     XConnection x(display);

@@ -1,11 +1,12 @@
-#include "e2e/BrindleProcess.h"
 #include "e2e/ClipboardManager.h"
+#include "e2e/Keyring.h"
 #include "e2e/Windows.h"
-#include "support/ClipboardReader.h"
-#include "support/Helpers.h"
+#include "stage/Actors.h"
+#include "stage/BrindleProcess.h"
+#include "stage/ClipboardReader.h"
+#include "stage/VirtualDesktop.h"
 #include "support/NotificationLog.h"
 #include "support/StatusArea.h"
-#include "support/TestDesktop.h"
 
 #include <QTest>
 
@@ -32,7 +33,7 @@ struct Scene {
 
     bool isUp() { return desktop.problem().isEmpty() && hasToken && brindle->isUp(); }
 
-    TestDesktop desktop;
+    VirtualDesktop desktop;
     bool hasToken = false;
     std::unique_ptr<BrindleProcess> brindle;
 };
@@ -144,7 +145,7 @@ private Q_SLOTS:
         QFETCH(bool, hasEmail);
         QFETCH(bool, hasToken);
         QFETCH(bool, asks);
-        TestDesktop desktop({.notifications = true, .keyring = true});
+        VirtualDesktop desktop({.notifications = true, .keyring = true});
         QVERIFY(desktop.problem().isEmpty());
         QVERIFY(!hasToken || storeToken(desktop, "jira-api-token", "t1"));
         const NotificationLog shown(desktop.busAddress());

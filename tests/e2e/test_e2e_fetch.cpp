@@ -1,10 +1,11 @@
-#include "e2e/BrindleProcess.h"
-#include "gateway/TestGateway.h"
-#include "support/ClipboardReader.h"
-#include "support/Helpers.h"
+#include "e2e/Keyring.h"
+#include "stage/Actors.h"
+#include "stage/BrindleProcess.h"
+#include "stage/ClipboardReader.h"
+#include "stage/LoopbackGateway.h"
+#include "stage/VirtualDesktop.h"
+#include "stage/VirtualKeyboard.h"
 #include "support/NotificationLog.h"
-#include "support/TestDesktop.h"
-#include "support/TestKeyboard.h"
 
 #include <QTest>
 
@@ -38,7 +39,7 @@ struct Scene {
             {pageTarget, {.body = R"({"title":"Plan"})"}}};
         settings.insert({{"jiraBaseURL", "https://h.example"}, {"jiraEmail", "ann@h.example"}});
         brindle = std::make_unique<BrindleProcess>(
-            desktop, settings, BRINDLE_AT_TEST_GATEWAY,
+            desktop, settings, BRINDLE_ON_STAGE_PROGRAM,
             QStringList{QString::number(gateway.port()), gateway.certificate()});
         target = std::make_unique<PasteTarget>(desktop);
     }
@@ -53,10 +54,10 @@ struct Scene {
             {keyCode(KEY_LEFTCTRL), keyCode(KEY_LEFTALT), keyCode(KEY_LEFTMETA), keyCode(KEY_V)});
     }
 
-    TestDesktop desktop;
-    TestKeyboard keys;
+    VirtualDesktop desktop;
+    VirtualKeyboard keys;
     NotificationLog shown;
-    TestGateway gateway;
+    LoopbackGateway gateway;
     bool tokensStored = false;
     std::unique_ptr<BrindleProcess> brindle;
     std::unique_ptr<PasteTarget> target;

@@ -1,10 +1,11 @@
-#include "e2e/BrindleProcess.h"
+#include "e2e/Keyring.h"
 #include "e2e/Windows.h"
-#include "support/ClipboardReader.h"
-#include "support/Helpers.h"
+#include "stage/Actors.h"
+#include "stage/BrindleProcess.h"
+#include "stage/ClipboardReader.h"
+#include "stage/VirtualDesktop.h"
+#include "stage/VirtualKeyboard.h"
 #include "support/NotificationLog.h"
-#include "support/TestDesktop.h"
-#include "support/TestKeyboard.h"
 
 #include <QElapsedTimer>
 #include <QTest>
@@ -53,8 +54,8 @@ struct Scene {
         return waitFor([&] { return clipboard() == text; });
     }
 
-    TestDesktop desktop;
-    TestKeyboard keys;
+    VirtualDesktop desktop;
+    VirtualKeyboard keys;
     bool hasToken;
     BrindleProcess brindle;
     PasteTarget target;
@@ -260,7 +261,7 @@ private Q_SLOTS:
     }
 
     void withoutAnyServiceTheHotkeyStillWorks() {
-        TestDesktop desktop({.bus = false});
+        VirtualDesktop desktop({.bus = false});
         QVERIFY(desktop.problem().isEmpty());
         BrindleProcess brindle(desktop, {{"accountBaseURL", "https://app.example.com/records/"}});
         // Without a keyring there is no token, so the preferences open once all is up.
@@ -268,7 +269,7 @@ private Q_SLOTS:
         PasteTarget target(desktop);
         QVERIFY(waitFor([&] { return target.hasFocus(); }));
         const ClipboardOwner owner(desktop, copied(record));
-        TestKeyboard keys(desktop.keyboardDisplay());
+        VirtualKeyboard keys(desktop.keyboardDisplay());
         keys.chord({hotkey[0], hotkey[1], hotkey[2], hotkey[3]});
         const auto paste = target.waitForPaste();
         QVERIFY(paste);

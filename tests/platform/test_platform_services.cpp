@@ -1,9 +1,9 @@
 #include "platform/linux/AccessibleFocus.h"
 #include "platform/linux/DBusNotifications.h"
 #include "platform/linux/SecretServiceStore.h"
-#include "support/Helpers.h"
+#include "stage/Actors.h"
+#include "stage/VirtualDesktop.h"
 #include "support/NotificationLog.h"
-#include "support/TestDesktop.h"
 
 #include <QElapsedTimer>
 #include <QTest>
@@ -17,7 +17,7 @@ class TestServices : public QObject {
 
 private Q_SLOTS:
     void initTestCase() {
-        m_desktop = std::make_unique<TestDesktop>(
+        m_desktop = std::make_unique<VirtualDesktop>(
             DesktopOptions{.notifications = true, .keyring = true, .accessibility = true});
         QVERIFY2(m_desktop->problem().isEmpty(), qPrintable(m_desktop->problem()));
         for (const char *name : {"DISPLAY", "DBUS_SESSION_BUS_ADDRESS", "XDG_RUNTIME_DIR"})
@@ -83,7 +83,7 @@ private Q_SLOTS:
     }
 
 private:
-    std::unique_ptr<TestDesktop> m_desktop;
+    std::unique_ptr<VirtualDesktop> m_desktop;
 };
 
 QTEST_MAIN(TestServices)

@@ -2,10 +2,10 @@
 #include "platform/linux/x11/X11Hotkeys.h"
 #include "platform/linux/x11/X11Keyboard.h"
 #include "platform/linux/x11/X11Pasteboard.h"
-#include "support/ClipboardReader.h"
-#include "support/Helpers.h"
-#include "support/TestDesktop.h"
-#include "support/TestKeyboard.h"
+#include "stage/Actors.h"
+#include "stage/ClipboardReader.h"
+#include "stage/VirtualDesktop.h"
+#include "stage/VirtualKeyboard.h"
 
 #include <QElapsedTimer>
 #include <QTest>
@@ -42,7 +42,7 @@ class TestX11 : public QObject {
 
 private Q_SLOTS:
     void initTestCase() {
-        m_desktop = std::make_unique<TestDesktop>(DesktopOptions{.bus = false});
+        m_desktop = std::make_unique<VirtualDesktop>(DesktopOptions{.bus = false});
         QVERIFY2(m_desktop->problem().isEmpty(), qPrintable(m_desktop->problem()));
         qputenv("DISPLAY", m_desktop->display().toLocal8Bit());
         m_ports = std::make_unique<Ports>();
@@ -98,7 +98,7 @@ private Q_SLOTS:
 
     void nobodyOwnsTheClipboard() {
         const Ports fresh;
-        TestDesktop empty({.windowManager = false, .bus = false});
+        VirtualDesktop empty({.windowManager = false, .bus = false});
         QVERIFY(empty.problem().isEmpty());
         qputenv("DISPLAY", empty.display().toLocal8Bit());
         const Ports ports;
@@ -202,7 +202,7 @@ private Q_SLOTS:
     void hotkeyFiresOncePerPressWithAnyLock() {
         int presses = 0;
         QVERIFY(m_ports->hotkeys->add(ctrlAltSuperV, [&] { ++presses; }));
-        TestKeyboard keys(m_desktop->keyboardDisplay());
+        VirtualKeyboard keys(m_desktop->keyboardDisplay());
         const auto press = [&] {
             keys.chord({keyCode(KEY_LEFTCTRL), keyCode(KEY_LEFTALT), keyCode(KEY_LEFTMETA),
                         keyCode(KEY_V)});
@@ -301,7 +301,7 @@ private:
         return given;
     }
 
-    std::unique_ptr<TestDesktop> m_desktop;
+    std::unique_ptr<VirtualDesktop> m_desktop;
     std::unique_ptr<Ports> m_ports;
 };
 

@@ -4,10 +4,10 @@
 #include "platform/linux/x11/KeyCodes.h"
 #include "platform/linux/x11/X11Hotkeys.h"
 #include "preferences/HotkeyRecorder.h"
+#include "stage/JsonLines.h"
+#include "stage/VirtualDesktop.h"
+#include "stage/VirtualKeyboard.h"
 #include "storage/Settings.h"
-#include "support/JsonLines.h"
-#include "support/TestDesktop.h"
-#include "support/TestKeyboard.h"
 
 #include <QAbstractNativeEventFilter>
 #include <QApplication>
@@ -232,12 +232,12 @@ private Q_SLOTS:
     }
 
     void realKeys() {
-        const TestDesktop desktop({.physicalKeyboard = true, .bus = false});
+        const VirtualDesktop desktop({.physicalKeyboard = true, .bus = false});
         QVERIFY2(desktop.problem().isEmpty(), qPrintable(desktop.problem()));
-        TestProcess recorder(desktop.environment());
+        StageProcess recorder(desktop.environment());
         QVERIFY(recorder.launch(QCoreApplication::applicationFilePath(), {"--recorder"}));
         QVERIFY(!recorder.waitForEvent("listening").isEmpty());
-        TestKeyboard keyboard(desktop.keyboardDisplay());
+        VirtualKeyboard keyboard(desktop.keyboardDisplay());
         const QList<int> modifiers{keyCode(KEY_LEFTCTRL), keyCode(KEY_LEFTALT),
                                    keyCode(KEY_LEFTMETA)};
         const int j = keyCode(KEY_J);

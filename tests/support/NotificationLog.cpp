@@ -1,6 +1,6 @@
 #include "support/NotificationLog.h"
 
-#include "support/TestProcess.h"
+#include "stage/StageProcess.h"
 
 #include <QMutex>
 

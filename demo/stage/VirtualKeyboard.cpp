@@ -1,25 +1,25 @@
-#include "support/TestKeyboard.h"
+#include "stage/VirtualKeyboard.h"
 
 #include <xcb/xtest.h>
 
-TestKeyboard::~TestKeyboard() {
+VirtualKeyboard::~VirtualKeyboard() {
     while (!m_held.isEmpty())
         release(m_held.last());
 }
 
-bool TestKeyboard::press(int code) {
+bool VirtualKeyboard::press(int code) {
     return fake({{code, true}});
 }
 
-bool TestKeyboard::release(int code) {
+bool VirtualKeyboard::release(int code) {
     return fake({{code, false}});
 }
 
-bool TestKeyboard::tap(int code) {
+bool VirtualKeyboard::tap(int code) {
     return chord({code});
 }
 
-bool TestKeyboard::chord(std::initializer_list<int> codes) {
+bool VirtualKeyboard::chord(std::initializer_list<int> codes) {
     QList<Stroke> strokes;
     for (const int code : codes)
         strokes.append({code, true});
@@ -29,7 +29,7 @@ bool TestKeyboard::chord(std::initializer_list<int> codes) {
 }
 
 // All in one go: a key must not begin to repeat because this process has to wait for its turn.
-bool TestKeyboard::fake(const QList<Stroke> &strokes) {
+bool VirtualKeyboard::fake(const QList<Stroke> &strokes) {
     if (!m_x.isValid())
         return false;
     QList<xcb_void_cookie_t> cookies;

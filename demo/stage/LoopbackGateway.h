@@ -34,12 +34,12 @@ struct GatewayReply {
 
 /// An HTTPS server on loopback that stands for the site and the gateway at once; a certificate made
 /// for this run names both hosts. Keeps connections alive. Answers while the event loop runs.
-class TestGateway : public QSslServer {
+class LoopbackGateway : public QSslServer {
     Q_OBJECT
 
 public:
     /// `names` are the host names of the certificate.
-    explicit TestGateway(const QStringList &names = {"api.atlassian.com", "h.example"});
+    explicit LoopbackGateway(const QStringList &names = {"api.atlassian.com", "h.example"});
 
     /// Empty when it listens; else what went wrong.
     QString problem() const { return m_problem; }

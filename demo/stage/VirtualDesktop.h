@@ -1,6 +1,6 @@
 #pragma once
 
-#include "support/TestProcess.h"
+#include "stage/StageProcess.h"
 
 #include <QDBusConnection>
 #include <QTemporaryDir>
@@ -8,10 +8,10 @@
 #include <memory>
 #include <vector>
 
-/// What a TestDesktop is made of.
+/// What a VirtualDesktop is made of.
 struct DesktopOptions {
-    /// Puts the tested display (Xephyr) inside another one: keys faked on the outer display
-    /// arrive on the tested one from a keyboard of its own, apart from XTEST, as a user's do.
+    /// Puts the display (Xephyr) inside another one: keys faked on the outer one
+    /// arrive on the inner one from a keyboard of its own, apart from XTEST, as a user's do.
     bool physicalKeyboard = false;
     bool windowManager = true;
     bool bus = true;
@@ -25,26 +25,26 @@ struct DesktopOptions {
     QStringList serviceFolders = {};
 };
 
-/// A desktop with nothing of the developer's in it: its own display, window manager, bus, home
+/// A desktop with nothing of the user's in it: its own display, window manager, bus, home
 /// and the services asked for, all up when the constructor returns and all gone after the
 /// destructor. Needs a QCoreApplication; belongs to the main thread.
-class TestDesktop {
+class VirtualDesktop {
 public:
-    explicit TestDesktop(const DesktopOptions &options = {});
-    /// Ends every program of this desktop, also those that others than the test have started.
-    ~TestDesktop();
-    TestDesktop(const TestDesktop &) = delete;
-    TestDesktop &operator=(const TestDesktop &) = delete;
+    explicit VirtualDesktop(const DesktopOptions &options = {});
+    /// Ends every program of this desktop, also those that others have started.
+    ~VirtualDesktop();
+    VirtualDesktop(const VirtualDesktop &) = delete;
+    VirtualDesktop &operator=(const VirtualDesktop &) = delete;
 
-    /// What did not start, with the end of its messages; empty when all is up. To be verified
-    /// first in each test.
+    /// What did not start, with the end of its messages; empty when all is up. To be looked at
+    /// before anything else.
     QString problem() const { return m_problem; }
     /// What programs on this desktop must be started with.
     QProcessEnvironment environment() const { return m_environment; }
-    /// The name of the tested display.
+    /// The name of the display.
     QString display() const { return m_display; }
     /// The name of the display where faking a key is pressing it on the keyboard: the outer one
-    /// with `physicalKeyboard`, else the tested one.
+    /// with `physicalKeyboard`, else the inner one.
     QString keyboardDisplay() const { return m_outerDisplay; }
     /// The address of the session bus; empty without one.
     QString busAddress() const { return m_busAddress; }
@@ -58,7 +58,7 @@ public:
     static QList<qint64> processesAt(const QString &home);
 
 private:
-    TestProcess *begin(const QString &program, const QStringList &arguments);
+    StageProcess *begin(const QString &program, const QStringList &arguments);
     void makeFolders();
     QString writeFile(const QString &name, const QByteArray &content);
     QString beginDisplay(const QString &program, const QStringList &arguments);
@@ -72,5 +72,5 @@ private:
     QTemporaryDir m_home;
     QProcessEnvironment m_environment;
     QString m_display, m_outerDisplay, m_busAddress, m_problem;
-    std::vector<std::unique_ptr<TestProcess>> m_programs; // in the order of their start
+    std::vector<std::unique_ptr<StageProcess>> m_programs; // in the order of their start
 };

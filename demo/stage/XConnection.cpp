@@ -1,4 +1,4 @@
-#include "support/XConnection.h"
+#include "stage/XConnection.h"
 
 #include <poll.h>
 

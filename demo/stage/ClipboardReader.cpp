@@ -1,4 +1,4 @@
-#include "support/ClipboardReader.h"
+#include "stage/ClipboardReader.h"
 
 using namespace Qt::StringLiterals;
 

@@ -12,15 +12,15 @@
 /// The bound is for a machine under load: a wait that succeeds takes as long as the thing itself.
 bool waitFor(const std::function<bool()> &predicate, int milliseconds = 15000);
 
-/// A program that ends with its object, and with the test process however that ends. What it
+/// A program that ends with its object, and with this process however that ends. What it
 /// writes to its output is kept in lines, and lines that are JSON objects with an "event" as
 /// events. Belongs to the thread that made it, which should be the main one.
-class TestProcess : public QProcess {
+class StageProcess : public QProcess {
 public:
     /// Nothing runs yet. The program's errors go to `errorLog`, or to the test's own without one.
-    explicit TestProcess(const QProcessEnvironment &environment, const QString &errorLog = {});
+    explicit StageProcess(const QProcessEnvironment &environment, const QString &errorLog = {});
     /// Closes its input, asks it to terminate, and kills it if it does not.
-    ~TestProcess() override;
+    ~StageProcess() override;
 
     /// Starts the program and returns once it runs; false (see errorString()) if it does not.
     bool launch(const QString &program, const QStringList &arguments);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "support/TestDesktop.h"
+#include "stage/VirtualDesktop.h"
 
 #include <optional>
 
@@ -15,10 +15,10 @@ struct Paste {
 
 /// A window to paste into, in a process of its own. It tells of "focused", "unfocused", "paste",
 /// "typed", "key" and "done"; paste_target.cpp has its arguments and commands.
-class PasteTarget : public TestProcess {
+class PasteTarget : public StageProcess {
 public:
     /// Starts it; errorString() tells if that fails.
-    explicit PasteTarget(const TestDesktop &desktop, const QStringList &arguments = {});
+    explicit PasteTarget(const VirtualDesktop &desktop, const QStringList &arguments = {});
 
     /// Whether it has the keyboard focus, by what it has told so far.
     bool hasFocus() const;
@@ -44,10 +44,10 @@ struct OwnedFlavour {
 
 /// Another program that owns the clipboard. It tells of "owned", "cleared" (someone else owns it
 /// now), "request", "swallowed" and "served"; clipboard_owner.cpp has its arguments.
-class ClipboardOwner : public TestProcess {
+class ClipboardOwner : public StageProcess {
 public:
     /// Starts it and waits until it owns the clipboard; see ownsClipboard().
-    ClipboardOwner(const TestDesktop &desktop, const QList<OwnedFlavour> &flavours,
+    ClipboardOwner(const VirtualDesktop &desktop, const QList<OwnedFlavour> &flavours,
                    const QStringList &arguments = {});
 
     /// Whether it has become the owner and nobody has taken the clipboard from it since.

@@ -1,27 +1,16 @@
-#include "e2e/BrindleProcess.h"
+#include "stage/BrindleProcess.h"
 
-#include "support/Helpers.h"
-#include "support/TestDesktop.h"
+#include "stage/Actors.h"
+#include "stage/VirtualDesktop.h"
 
 #include <QDBusMessage>
 #include <QDir>
 #include <QSettings>
 
-bool storeToken(const TestDesktop &desktop, const QString &account, const QByteArray &token) {
-    QProcess tool;
-    tool.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    tool.setProcessEnvironment(desktop.environment());
-    tool.start("secret-tool", {"store", "--label=token", "service", "org.ostrowind.brindle",
-                               "account", account, "xdg:schema", "org.ostrowind.brindle"});
-    tool.write(token);
-    tool.closeWriteChannel();
-
-    return tool.waitForFinished() && tool.exitCode() == 0;
-}
-
-BrindleProcess::BrindleProcess(const TestDesktop &desktop, const QMap<QString, QString> &settings,
-                               const QString &program, const QStringList &arguments)
-    : TestProcess(desktop.environment()), m_desktop(desktop) {
+BrindleProcess::BrindleProcess(const VirtualDesktop &desktop,
+                               const QMap<QString, QString> &settings, const QString &program,
+                               const QStringList &arguments)
+    : StageProcess(desktop.environment()), m_desktop(desktop) {
     const QString folder = desktop.environment().value("XDG_CONFIG_HOME");
     QDir().mkpath(folder);
     QSettings file(folder + "/org.ostrowind.brindle.conf", QSettings::IniFormat);

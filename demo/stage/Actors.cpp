@@ -1,4 +1,4 @@
-#include "support/Helpers.h"
+#include "stage/Actors.h"
 
 #include <QJsonArray>
 #include <QTemporaryFile>
@@ -7,8 +7,8 @@
 
 using namespace Qt::StringLiterals;
 
-PasteTarget::PasteTarget(const TestDesktop &desktop, const QStringList &arguments)
-    : TestProcess(desktop.environment()) {
+PasteTarget::PasteTarget(const VirtualDesktop &desktop, const QStringList &arguments)
+    : StageProcess(desktop.environment()) {
     launch(QStringLiteral(PASTE_TARGET_PROGRAM), arguments);
 }
 
@@ -49,9 +49,9 @@ bool PasteTarget::command(const QString &line) {
     return waitForEvent(u"done"_s, before)[u"ok"].toBool();
 }
 
-ClipboardOwner::ClipboardOwner(const TestDesktop &desktop, const QList<OwnedFlavour> &flavours,
+ClipboardOwner::ClipboardOwner(const VirtualDesktop &desktop, const QList<OwnedFlavour> &flavours,
                                const QStringList &arguments)
-    : TestProcess(desktop.environment()) {
+    : StageProcess(desktop.environment()) {
     QStringList all = arguments;
     std::vector<std::unique_ptr<QTemporaryFile>> files; // read before it owns the clipboard
     for (const OwnedFlavour &flavour : flavours) {

@@ -1,4 +1,4 @@
-#include "gateway/RedirectedUrlSession.h"
+#include "stage/RedirectedUrlSession.h"
 
 #include <QSslCertificate>
 #include <QSslConfiguration>

@@ -1,6 +1,6 @@
-#include "support/TestDesktop.h"
+#include "stage/VirtualDesktop.h"
 
-#include "support/XConnection.h"
+#include "stage/XConnection.h"
 
 #include <QDBusConnectionInterface>
 #include <QDir>
@@ -78,7 +78,7 @@ bool isManaged(XConnection &x) {
 
 } // namespace
 
-TestDesktop::TestDesktop(const DesktopOptions &options) {
+VirtualDesktop::VirtualDesktop(const DesktopOptions &options) {
     makeFolders();
     if (options.bus)
         beginBus(options.serviceFolders);
@@ -100,7 +100,7 @@ TestDesktop::TestDesktop(const DesktopOptions &options) {
         awaitServices(options);
 }
 
-TestDesktop::~TestDesktop() {
+VirtualDesktop::~VirtualDesktop() {
     QDBusConnection::disconnectFromBus(m_busAddress);
     while (!m_programs.empty()) {
         m_programs.back()->stop();
@@ -116,7 +116,7 @@ TestDesktop::~TestDesktop() {
     }
 }
 
-QList<qint64> TestDesktop::processesAt(const QString &home) {
+QList<qint64> VirtualDesktop::processesAt(const QString &home) {
     const QByteArray mark = '\0' + ("HOME=" + QFile::encodeName(home)) + '\0';
     QList<qint64> found;
     for (const QString &entry : QDir(u"/proc"_s).entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
@@ -130,7 +130,7 @@ QList<qint64> TestDesktop::processesAt(const QString &home) {
     return found;
 }
 
-void TestDesktop::makeFolders() {
+void VirtualDesktop::makeFolders() {
     const auto folder = [this](const QString &name) {
         QString path = m_home.filePath(name);
         QDir().mkpath(path);
@@ -157,23 +157,23 @@ void TestDesktop::makeFolders() {
     }
 }
 
-QString TestDesktop::writeFile(const QString &name, const QByteArray &content) {
+QString VirtualDesktop::writeFile(const QString &name, const QByteArray &content) {
     QFile file(m_home.filePath(name));
     if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
         m_problem = file.fileName() + u": "_s + file.errorString();
     return file.fileName();
 }
 
-TestProcess *TestDesktop::begin(const QString &program, const QStringList &arguments) {
+StageProcess *VirtualDesktop::begin(const QString &program, const QStringList &arguments) {
     const auto &process = m_programs.emplace_back(
-        std::make_unique<TestProcess>(m_environment, logOf(QFileInfo(program).fileName())));
+        std::make_unique<StageProcess>(m_environment, logOf(QFileInfo(program).fileName())));
     if (!process->launch(program, arguments))
         fail(program, process->errorString());
     return process.get();
 }
 
-QString TestDesktop::beginDisplay(const QString &program, const QStringList &arguments) {
-    const TestProcess *server = begin(program, arguments);
+QString VirtualDesktop::beginDisplay(const QString &program, const QStringList &arguments) {
+    const StageProcess *server = begin(program, arguments);
     waitFor([&] { return !server->lines().isEmpty() || server->state() == QProcess::NotRunning; });
     if (!server->lines().isEmpty())
         return u':' + server->lines().first();
@@ -181,13 +181,13 @@ QString TestDesktop::beginDisplay(const QString &program, const QStringList &arg
     return {};
 }
 
-void TestDesktop::beginBus(const QStringList &serviceFolders) {
+void VirtualDesktop::beginBus(const QStringList &serviceFolders) {
     QString folders;
     for (const QString &folder : serviceFolders)
         folders += u"<servicedir>%1</servicedir>"_s.arg(folder.toHtmlEscaped());
     const QString config =
         QString::fromLatin1(busConfig).arg(m_home.filePath(u"run/bus"_s), folders);
-    const TestProcess *daemon =
+    const StageProcess *daemon =
         begin(u"dbus-daemon"_s, {u"--config-file="_s + writeFile(u"bus.conf"_s, config.toUtf8()),
                                  u"--nofork"_s, u"--print-address"_s});
     waitFor([&] { return !daemon->lines().isEmpty() || daemon->state() == QProcess::NotRunning; });
@@ -199,7 +199,7 @@ void TestDesktop::beginBus(const QStringList &serviceFolders) {
         fail(u"dbus-daemon"_s, bus().lastError().message());
 }
 
-void TestDesktop::beginServices(const DesktopOptions &options) {
+void VirtualDesktop::beginServices(const DesktopOptions &options) {
     if (options.accessibility) {
         m_environment.remove(u"NO_AT_BRIDGE"_s);
         m_environment.insert(u"QT_LINUX_ACCESSIBILITY_ALWAYS_ON"_s, u"1"_s);
@@ -211,14 +211,14 @@ void TestDesktop::beginServices(const DesktopOptions &options) {
     if (options.notifications)
         begin(u"dunst"_s, {u"-conf"_s, writeFile(u"dunstrc"_s, dunstConfig)});
     if (options.keyring) {
-        TestProcess *daemon = begin(u"gnome-keyring-daemon"_s,
-                                    {u"--foreground"_s, u"--unlock"_s, u"--components=secrets"_s});
+        StageProcess *daemon = begin(u"gnome-keyring-daemon"_s,
+                                     {u"--foreground"_s, u"--unlock"_s, u"--components=secrets"_s});
         daemon->write("password"); // read to its end, not to the end of a line
         daemon->closeWriteChannel();
     }
 }
 
-void TestDesktop::awaitServices(const DesktopOptions &options) {
+void VirtualDesktop::awaitServices(const DesktopOptions &options) {
     if (options.windowManager) {
         XConnection x(m_display);
         if (!waitFor([&] { return x.isValid() && isManaged(x); }))
@@ -232,13 +232,13 @@ void TestDesktop::awaitServices(const DesktopOptions &options) {
         awaitName(u"org.freedesktop.secrets"_s, u"gnome-keyring-daemon"_s);
 }
 
-void TestDesktop::awaitName(const QString &name, const QString &program) {
+void VirtualDesktop::awaitName(const QString &name, const QString &program) {
     QDBusConnectionInterface *names = bus().interface();
     if (!names || !waitFor([&] { return names->isServiceRegistered(name).value(); }))
         fail(program, u"does not appear on the bus"_s);
 }
 
-void TestDesktop::fail(const QString &program, const QString &what) {
+void VirtualDesktop::fail(const QString &program, const QString &what) {
     if (!m_problem.isEmpty()) // the first one is the cause
         return;
     QFile log(logOf(QFileInfo(program).fileName()));
@@ -247,6 +247,6 @@ void TestDesktop::fail(const QString &program, const QString &what) {
     m_problem = u"%1 %2\n%3"_s.arg(program, what, QString::fromLocal8Bit(said));
 }
 
-QString TestDesktop::logOf(const QString &program) const {
+QString VirtualDesktop::logOf(const QString &program) const {
     return m_home.filePath(u"log/%1.log"_s.arg(program));
 }

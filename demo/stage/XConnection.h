@@ -21,7 +21,7 @@ template <typename T>
 using XOwned = std::unique_ptr<T, XFree>;
 
 /// A connection to a named display, with the few calls every piece of the kit needs. One thread.
-/// Nothing falls back to DISPLAY: a test must never reach the display it was started from.
+/// Nothing falls back to DISPLAY: what runs on a stage must never reach the user's own display.
 class XConnection {
 public:
     /// Connects; an empty name or a display that is not there leaves it invalid.

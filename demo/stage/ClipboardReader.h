@@ -1,6 +1,6 @@
 #pragma once
 
-#include "support/XConnection.h"
+#include "stage/XConnection.h"
 
 #include <QStringList>
 

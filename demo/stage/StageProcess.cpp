@@ -1,4 +1,4 @@
-#include "support/TestProcess.h"
+#include "stage/StageProcess.h"
 
 #include <QJsonDocument>
 #include <QtCore/qtestsupport_core.h>
@@ -11,7 +11,7 @@ bool waitFor(const std::function<bool()> &predicate, int milliseconds) {
     return QTest::qWaitFor(predicate, milliseconds);
 }
 
-TestProcess::TestProcess(const QProcessEnvironment &environment, const QString &errorLog) {
+StageProcess::StageProcess(const QProcessEnvironment &environment, const QString &errorLog) {
     setProcessEnvironment(environment);
     if (errorLog.isEmpty())
         setProcessChannelMode(QProcess::ForwardedErrorChannel);
@@ -22,19 +22,19 @@ TestProcess::TestProcess(const QProcessEnvironment &environment, const QString &
         if (getppid() != parent) // the test died before the call above
             _exit(1);
     });
-    connect(this, &QProcess::readyReadStandardOutput, this, &TestProcess::readLines);
+    connect(this, &QProcess::readyReadStandardOutput, this, &StageProcess::readLines);
 }
 
-TestProcess::~TestProcess() {
+StageProcess::~StageProcess() {
     stop();
 }
 
-bool TestProcess::launch(const QString &program, const QStringList &arguments) {
+bool StageProcess::launch(const QString &program, const QStringList &arguments) {
     start(program, arguments);
     return waitForStarted();
 }
 
-void TestProcess::stop() {
+void StageProcess::stop() {
     if (state() == QProcess::NotRunning)
         return;
     closeWriteChannel();
@@ -46,7 +46,7 @@ void TestProcess::stop() {
     waitForFinished();
 }
 
-QList<QJsonObject> TestProcess::events(const QString &name) const {
+QList<QJsonObject> StageProcess::events(const QString &name) const {
     QList<QJsonObject> found;
     for (const QJsonObject &event : m_events) {
         if (event[u"event"].toString() == name)
@@ -55,21 +55,21 @@ QList<QJsonObject> TestProcess::events(const QString &name) const {
     return found;
 }
 
-QJsonObject TestProcess::waitForEvent(const QString &name, qsizetype place, int milliseconds) {
+QJsonObject StageProcess::waitForEvent(const QString &name, qsizetype place, int milliseconds) {
     const auto isThere = [&] { return events(name).size() > place; };
     waitFor([&] { return isThere() || state() == QProcess::NotRunning; }, milliseconds);
     return isThere() ? events(name).at(place) : QJsonObject();
 }
 
-void TestProcess::forgetEvents() {
+void StageProcess::forgetEvents() {
     m_events.clear();
 }
 
-void TestProcess::send(const QString &line) {
+void StageProcess::send(const QString &line) {
     write(line.toUtf8() + '\n');
 }
 
-void TestProcess::readLines() {
+void StageProcess::readLines() {
     while (canReadLine()) {
         const QByteArray line = readLine().chopped(1);
         m_lines.append(QString::fromUtf8(line));

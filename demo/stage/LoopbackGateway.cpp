@@ -1,4 +1,4 @@
-#include "gateway/TestGateway.h"
+#include "stage/LoopbackGateway.h"
 
 #include <QFile>
 #include <QPointer>
@@ -11,7 +11,7 @@
 
 #include <memory>
 
-TestGateway::TestGateway(const QStringList &names) {
+LoopbackGateway::LoopbackGateway(const QStringList &names) {
     makeCertificate(names);
     QFile key(m_folder.filePath("key.pem"));
     if (!key.open(QFile::ReadOnly)) {
@@ -23,12 +23,12 @@ TestGateway::TestGateway(const QStringList &names) {
     configuration.setPrivateKey(QSslKey(&key, QSsl::Ec));
     configuration.setPeerVerifyMode(QSslSocket::VerifyNone);
     setSslConfiguration(configuration);
-    connect(this, &QTcpServer::pendingConnectionAvailable, this, &TestGateway::accept);
+    connect(this, &QTcpServer::pendingConnectionAvailable, this, &LoopbackGateway::accept);
     if (!listen(QHostAddress::LocalHost))
         m_problem = errorString();
 }
 
-void TestGateway::makeCertificate(const QStringList &names) {
+void LoopbackGateway::makeCertificate(const QStringList &names) {
     QStringList alternatives;
     for (const QString &name : names)
         alternatives.append("DNS:" + name);
@@ -41,7 +41,7 @@ void TestGateway::makeCertificate(const QStringList &names) {
     m_problem = openssl.exitCode() == 0 ? QString() : openssl.readAllStandardError();
 }
 
-void TestGateway::accept() {
+void LoopbackGateway::accept() {
     while (auto *socket = qobject_cast<QSslSocket *>(nextPendingConnection())) {
         const int connection = ++connections;
         auto unread = std::make_shared<QByteArray>();
@@ -52,7 +52,7 @@ void TestGateway::accept() {
     }
 }
 
-void TestGateway::read(QSslSocket *socket, int connection, QByteArray &unread) {
+void LoopbackGateway::read(QSslSocket *socket, int connection, QByteArray &unread) {
     unread += socket->readAll();
     for (qsizetype end = unread.indexOf("\r\n\r\n"); end >= 0; end = unread.indexOf("\r\n\r\n")) {
         const QList<QByteArray> lines = unread.left(end).split('\n');
@@ -70,7 +70,7 @@ void TestGateway::read(QSslSocket *socket, int connection, QByteArray &unread) {
     }
 }
 
-void TestGateway::answer(QSslSocket *socket, const GatewayReply &reply) {
+void LoopbackGateway::answer(QSslSocket *socket, const GatewayReply &reply) {
     using Manner = GatewayReply::Manner;
     if (reply.manner == Manner::Silence)
         return;

@@ -1,7 +1,7 @@
 // Owns the clipboard of DISPLAY with the flavours it is given, properly or as badly as it is told.
 
-#include "support/JsonLines.h"
-#include "support/XConnection.h"
+#include "stage/JsonLines.h"
+#include "stage/XConnection.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>

@@ -1,9 +1,9 @@
-// The product, its requests led to the TestGateway at the port and with the certificate given as
-// arguments.
+// The product, its requests led to the LoopbackGateway at the port and with the certificate given
+// as arguments.
 
 #include "app/Launch.h"
-#include "gateway/RedirectedUrlSession.h"
 #include "platform/linux/LinuxPlatform.h"
+#include "stage/RedirectedUrlSession.h"
 
 #include <QApplication>
 

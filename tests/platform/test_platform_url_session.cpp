@@ -1,6 +1,6 @@
-#include "gateway/RedirectedUrlSession.h"
-#include "gateway/TestGateway.h"
-#include "support/TestProcess.h"
+#include "stage/LoopbackGateway.h"
+#include "stage/RedirectedUrlSession.h"
+#include "stage/StageProcess.h"
 
 #include <QElapsedTimer>
 #include <QTest>
@@ -16,7 +16,7 @@ const QUrl url("https://h.example/a?b=1");
 
 /// A session and the gateway it is led to.
 struct Scene {
-    TestGateway gateway;
+    LoopbackGateway gateway;
     RedirectedUrlSession session{gateway.port(), gateway.certificate()};
 
     /// Sends a request and waits for its end.
@@ -161,8 +161,8 @@ private Q_SLOTS:
 
     void wrongCertificates() {
         QFETCH(bool, trusted);
-        TestGateway gateway(trusted ? QStringList{"other.example"} : QStringList{"h.example"});
-        const TestGateway issuer;
+        LoopbackGateway gateway(trusted ? QStringList{"other.example"} : QStringList{"h.example"});
+        const LoopbackGateway issuer;
         Scene scene;
         RedirectedUrlSession session(gateway.port(),
                                      trusted ? gateway.certificate() : issuer.certificate());
@@ -180,7 +180,7 @@ private Q_SLOTS:
 
     void quittingEndsWhatIsUnderWay() {
         std::atomic<int> ended = 0;
-        TestGateway gateway;
+        LoopbackGateway gateway;
         gateway.replies = {{"/a?b=1", {.manner = GatewayReply::Manner::Silence}}};
         {
             RedirectedUrlSession session(gateway.port(), gateway.certificate());

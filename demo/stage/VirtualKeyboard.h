@@ -1,6 +1,6 @@
 #pragma once
 
-#include "support/XConnection.h"
+#include "stage/XConnection.h"
 
 #include <QList>
 
@@ -14,19 +14,19 @@ constexpr int keyCode(int evdevCode) {
     return evdevCode + 8;
 }
 
-/// Hands on a keyboard: presses keys of a display by XTEST. On TestDesktop::keyboardDisplay() of
-/// a desktop with a physical keyboard these are real keys to the tested display. Each call
-/// returns when the named display has carried it out; the tested one may take a moment longer.
-class TestKeyboard {
+/// Hands on a keyboard: presses keys of a display by XTEST. On keyboardDisplay() of
+/// a desktop with a physical keyboard these are real keys to its inner display. Each call
+/// returns when the named display has carried it out; the inner one may take a moment longer.
+class VirtualKeyboard {
 public:
     /// Key codes below are X key codes. Invalid displays make every call return false.
-    explicit TestKeyboard(const QString &display) : m_x(display) {}
+    explicit VirtualKeyboard(const QString &display) : m_x(display) {}
     /// Lets go of whatever is still held.
-    ~TestKeyboard();
-    TestKeyboard(const TestKeyboard &) = delete;
-    TestKeyboard &operator=(const TestKeyboard &) = delete;
+    ~VirtualKeyboard();
+    VirtualKeyboard(const VirtualKeyboard &) = delete;
+    VirtualKeyboard &operator=(const VirtualKeyboard &) = delete;
 
-    /// Presses a key and keeps it down; on the tested display it repeats after two thirds of a
+    /// Presses a key and keeps it down; on the display it repeats after two thirds of a
     /// second, as keys do.
     bool press(int code);
     /// Lets go of a key.

@@ -1,7 +1,7 @@
 // A window to paste into, which tells on its output what happens to it and takes commands, one a
 // line, on its input: clear, busy MILLISECONDS, password on|off, grab on|off, shot FILE, quit.
 
-#include "support/JsonLines.h"
+#include "stage/JsonLines.h"
 
 #include <QApplication>
 #include <QClipboard>

@@ -1,0 +1,24 @@
+#pragma once
+
+#include "stage/StageProcess.h"
+
+#include <QMap>
+
+class VirtualDesktop;
+
+/// The real program on a VirtualDesktop.
+class BrindleProcess : public StageProcess {
+public:
+    /// Writes the settings file and starts the product, or `program` in its place.
+    BrindleProcess(const VirtualDesktop &desktop, const QMap<QString, QString> &settings,
+                   const QString &program = BRINDLE_PROGRAM, const QStringList &arguments = {});
+
+    /// Waits until the launch sequence is through.
+    bool isUp();
+
+    /// Calls an action of the program over the bus.
+    bool activate(const QString &action);
+
+private:
+    const VirtualDesktop &m_desktop;
+};

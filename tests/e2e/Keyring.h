@@ -1,0 +1,9 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+class VirtualDesktop;
+
+/// Puts a token into the keyring of the desktop as Brindle keeps it.
+bool storeToken(const VirtualDesktop &desktop, const QString &account, const QByteArray &token);
