@@ -2,8 +2,9 @@
 
 BUILD_PACKAGES="g++ cmake ninja-build pkg-config qt6-base-dev libxcb1-dev libxcb-xfixes0-dev
     libxcb-xkb-dev libxcb-xtest0-dev libsecret-1-dev libicu-dev"
-TEST_PACKAGES="clang-format xvfb xserver-xephyr openbox xdotool dunst gnome-keyring at-spi2-core
-    dbus dbus-daemon x11-xserver-utils x11-xkb-utils python3 openssl libsecret-tools"
+DEMO_PACKAGES="xvfb openbox dbus-daemon openssl fonts-dejavu-core fonts-noto-color-emoji"
+TEST_PACKAGES="$DEMO_PACKAGES clang-format xserver-xephyr xdotool dunst gnome-keyring at-spi2-core
+    dbus x11-xserver-utils x11-xkb-utils python3 libsecret-tools"
 
 # ensure_packages NAME...: installs those that are missing, as root or through sudo.
 ensure_packages() {

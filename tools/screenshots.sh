@@ -4,7 +4,7 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 . tools/packages.sh
 # shellcheck disable=SC2086
-ensure_packages $BUILD_PACKAGES $TEST_PACKAGES fonts-noto-color-emoji
+ensure_packages $BUILD_PACKAGES $TEST_PACKAGES
 [ -f build/dev/build.ninja ] || cmake --preset dev >/dev/null
 cmake --build --preset dev --target brindle_screenshots
 mkdir -p docs/screenshots

@@ -7,13 +7,15 @@
 #include <QDir>
 #include <QSettings>
 
+using namespace Qt::StringLiterals;
+
 BrindleProcess::BrindleProcess(const VirtualDesktop &desktop,
                                const QMap<QString, QString> &settings, const QString &program,
                                const QStringList &arguments)
     : StageProcess(desktop.environment()), m_desktop(desktop) {
-    const QString folder = desktop.environment().value("XDG_CONFIG_HOME");
+    const QString folder = desktop.environment().value(u"XDG_CONFIG_HOME"_s);
     QDir().mkpath(folder);
-    QSettings file(folder + "/org.ostrowind.brindle.conf", QSettings::IniFormat);
+    QSettings file(folder + u"/org.ostrowind.brindle.conf"_s, QSettings::IniFormat);
     for (auto setting = settings.begin(); setting != settings.end(); ++setting)
         file.setValue(setting.key(), setting.value());
     file.sync();
@@ -23,13 +25,13 @@ BrindleProcess::BrindleProcess(const VirtualDesktop &desktop,
 bool BrindleProcess::isUp() {
     // The name is there before the hotkeys are, but calls are answered only by the event loop,
     // which starts after them.
-    return waitFor([this] { return activate("none"); });
+    return waitFor([this] { return activate(u"none"_s); });
 }
 
 bool BrindleProcess::activate(const QString &action) {
     QDBusMessage call =
-        QDBusMessage::createMethodCall("org.ostrowind.brindle", "/org/ostrowind/brindle",
-                                       "org.freedesktop.Application", "ActivateAction");
+        QDBusMessage::createMethodCall(u"org.ostrowind.brindle"_s, u"/org/ostrowind/brindle"_s,
+                                       u"org.freedesktop.Application"_s, u"ActivateAction"_s);
     call << action << QVariantList() << QVariantMap();
     return m_desktop.bus().call(call).type() == QDBusMessage::ReplyMessage;
 }

@@ -11,7 +11,8 @@ class BrindleProcess : public StageProcess {
 public:
     /// Writes the settings file and starts the product, or `program` in its place.
     BrindleProcess(const VirtualDesktop &desktop, const QMap<QString, QString> &settings,
-                   const QString &program = BRINDLE_PROGRAM, const QStringList &arguments = {});
+                   const QString &program = QStringLiteral(BRINDLE_PROGRAM),
+                   const QStringList &arguments = {});
 
     /// Waits until the launch sequence is through.
     bool isUp();

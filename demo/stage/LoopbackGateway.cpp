@@ -11,11 +11,13 @@
 
 #include <memory>
 
+using namespace Qt::StringLiterals;
+
 LoopbackGateway::LoopbackGateway(const QStringList &names) {
     makeCertificate(names);
-    QFile key(m_folder.filePath("key.pem"));
+    QFile key(m_folder.filePath(u"key.pem"_s));
     if (!key.open(QFile::ReadOnly)) {
-        m_problem = "openssl made no certificate: " + m_problem;
+        m_problem = u"openssl made no certificate: "_s + m_problem;
         return;
     }
     QSslConfiguration configuration = QSslConfiguration::defaultConfiguration();
@@ -31,14 +33,16 @@ LoopbackGateway::LoopbackGateway(const QStringList &names) {
 void LoopbackGateway::makeCertificate(const QStringList &names) {
     QStringList alternatives;
     for (const QString &name : names)
-        alternatives.append("DNS:" + name);
+        alternatives.append(u"DNS:"_s + name);
     QProcess openssl;
-    openssl.start("openssl", {"req", "-x509", "-newkey", "ec", "-pkeyopt",
-                              "ec_paramgen_curve:prime256v1", "-nodes", "-days", "2", "-subj",
-                              "/CN=test", "-addext", "subjectAltName=" + alternatives.join(','),
-                              "-keyout", m_folder.filePath("key.pem"), "-out", certificate()});
+    openssl.start(u"openssl"_s,
+                  {u"req"_s, u"-x509"_s, u"-newkey"_s, u"ec"_s, u"-pkeyopt"_s,
+                   u"ec_paramgen_curve:prime256v1"_s, u"-nodes"_s, u"-days"_s, u"2"_s, u"-subj"_s,
+                   u"/CN=loopback"_s, u"-addext"_s, u"subjectAltName="_s + alternatives.join(u','),
+                   u"-keyout"_s, m_folder.filePath(u"key.pem"_s), u"-out"_s, certificate()});
     openssl.waitForFinished();
-    m_problem = openssl.exitCode() == 0 ? QString() : openssl.readAllStandardError();
+    m_problem =
+        openssl.exitCode() == 0 ? QString() : QString::fromUtf8(openssl.readAllStandardError());
 }
 
 void LoopbackGateway::accept() {

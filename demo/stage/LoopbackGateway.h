@@ -39,13 +39,14 @@ class LoopbackGateway : public QSslServer {
 
 public:
     /// `names` are the host names of the certificate.
-    explicit LoopbackGateway(const QStringList &names = {"api.atlassian.com", "h.example"});
+    explicit LoopbackGateway(const QStringList &names = {QStringLiteral("api.atlassian.com"),
+                                                         QStringLiteral("h.example")});
 
     /// Empty when it listens; else what went wrong.
     QString problem() const { return m_problem; }
     quint16 port() const { return serverPort(); }
     /// The file of the certificate to trust.
-    QString certificate() const { return m_folder.filePath("cert.pem"); }
+    QString certificate() const { return m_folder.filePath(QStringLiteral("cert.pem")); }
 
     /// Answers by target; 404 for others.
     QHash<QString, GatewayReply> replies;

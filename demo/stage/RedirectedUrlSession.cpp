@@ -10,7 +10,7 @@ QNetworkRequest RedirectedUrlSession::networkRequest(const UrlRequest &request) 
     QNetworkRequest network = QtUrlSession::networkRequest(request);
     const QString host = network.url().host();
     QUrl url = network.url();
-    url.setHost("127.0.0.1");
+    url.setHost(QStringLiteral("127.0.0.1"));
     url.setPort(m_port);
     network.setUrl(url);
     network.setRawHeader("Host", host.toUtf8());

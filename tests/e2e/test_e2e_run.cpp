@@ -1,10 +1,10 @@
 #include "e2e/Keyring.h"
-#include "e2e/Windows.h"
 #include "stage/Actors.h"
 #include "stage/BrindleProcess.h"
 #include "stage/ClipboardReader.h"
 #include "stage/VirtualDesktop.h"
 #include "stage/VirtualKeyboard.h"
+#include "stage/Windows.h"
 #include "support/NotificationLog.h"
 
 #include <QElapsedTimer>

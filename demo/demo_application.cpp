@@ -1,0 +1,100 @@
+// The application of the demonstration: the product with a site and gateway of its own on loopback
+// and a keyring in memory. It tells on its output what it writes to the activity log.
+
+#include "SampleSite.h"
+#include "app/Launch.h"
+#include "model/AppInfo.h"
+#include "platform/linux/LinuxPlatform.h"
+#include "stage/JsonLines.h"
+#include "stage/RedirectedUrlSession.h"
+#include "storage/LogStore.h"
+
+#include <QApplication>
+#include <QMutex>
+#include <QThread>
+
+namespace {
+
+/// A keyring that starts with the tokens of the sample site and ends with the program.
+class SampleKeyring : public SecretStore {
+public:
+    bool add(const QString &service, const QString &account, const QByteArray &secret) override {
+        const QMutexLocker lock(&m_mutex);
+        m_secrets[{service, account}] = secret;
+        return true;
+    }
+
+    std::optional<QByteArray> copy(const QString &service, const QString &account) override {
+        const QMutexLocker lock(&m_mutex);
+        const auto found = m_secrets.constFind({service, account});
+        return found == m_secrets.cend() ? std::nullopt : std::optional(*found);
+    }
+
+    void remove(const QString &service, const QString &account) override {
+        const QMutexLocker lock(&m_mutex);
+        m_secrets.remove({service, account});
+    }
+
+private:
+    QMutex m_mutex;
+    QHash<std::pair<QString, QString>, QByteArray> m_secrets{
+        {{AppInfo::bundleIdentifier(), AppInfo::keychainAccount()}, "sample-jira-token"},
+        {{AppInfo::bundleIdentifier(), AppInfo::keychainAccountConfluence()},
+         "sample-confluence-token"}};
+};
+
+/// The sample site, answering on a thread of its own from the constructor on.
+class SiteThread {
+public:
+    SiteThread() {
+        m_context.moveToThread(&m_thread);
+        m_thread.start();
+        QMetaObject::invokeMethod(
+            &m_context,
+            [this] {
+                m_gateway = std::make_unique<LoopbackGateway>(SampleSite::hosts());
+                m_gateway->replies = SampleSite::replies();
+            },
+            Qt::BlockingQueuedConnection);
+    }
+
+    ~SiteThread() {
+        QMetaObject::invokeMethod(
+            &m_context, [this] { m_gateway.reset(); }, Qt::BlockingQueuedConnection);
+        m_thread.quit();
+        m_thread.wait();
+    }
+
+    const LoopbackGateway &gateway() const { return *m_gateway; }
+
+private:
+    QThread m_thread;
+    QObject m_context;
+    std::unique_ptr<LoopbackGateway> m_gateway;
+};
+
+void tellLastEntry() {
+    const auto &entries = LogStore::shared().entries();
+    if (!entries.isEmpty())
+        say(QStringLiteral("log"),
+            {{QStringLiteral("line"),
+              LogStore::formattedTime(entries.last().date) + u' ' + entries.last().message}});
+}
+
+} // namespace
+
+int main(int argc, char *argv[]) {
+    const QApplication qt(argc, argv);
+    nameApplication();
+    const SiteThread site;
+    if (!site.gateway().problem().isEmpty()) {
+        qCritical("The sample site does not start: %ls", qUtf16Printable(site.gateway().problem()));
+        return 1;
+    }
+    QObject::connect(&LogStore::shared(), &LogStore::changed, &qt, tellLastEntry);
+    Platform platform = makeLinuxPlatform();
+    platform.urlSession =
+        std::make_shared<RedirectedUrlSession>(site.gateway().port(), site.gateway().certificate());
+    platform.secretStore = std::make_shared<SampleKeyring>();
+    return runBrindle(std::move(platform));
+}

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <QImage>
+#include <QStringList>
+
+/// The titles of the windows that the window manager shows, in the order of their mapping.
+QStringList windowTitles(const QString &display);
+
+/// Where on the screen the window with that title is to be seen, without its frame; empty if there
+/// is none.
+QRect windowPlace(const QString &display, const QString &title);
+
+/// What is to be seen on the screen now; null when the display does not answer.
+QImage screenPicture(const QString &display);
