@@ -35,11 +35,6 @@ xcb_keycode_t firstKeyOf(const xcb_get_modifier_mapping_reply_t &map, int row) {
     return key == end ? static_cast<xcb_keycode_t>(0) : *key;
 }
 
-XcbPtr<xcb_get_modifier_mapping_reply_t> modifierMap(xcb_connection_t *connection) {
-    return XcbPtr<xcb_get_modifier_mapping_reply_t>(
-        xcb_get_modifier_mapping_reply(connection, xcb_get_modifier_mapping(connection), nullptr));
-}
-
 } // namespace
 
 X11Keyboard::X11Keyboard(std::shared_ptr<X11Connection> x11, std::shared_ptr<X11Hotkeys> hotkeys)
@@ -95,12 +90,24 @@ std::optional<KeyLayout> X11Keyboard::currentLayout() {
     return XkbLayout::read(*m_x11);
 }
 
-QList<xcb_keycode_t> X11Keyboard::modifierKeys(xcb_connection_t *connection) const {
+const xcb_get_modifier_mapping_reply_t *X11Keyboard::modifierMap(xcb_connection_t *connection) {
+    // Every client is told of a new map; what the server has sent is there after any reply.
+    while (const XcbPtr<xcb_generic_event_t> event{xcb_poll_for_event(connection)}) {
+        if ((event->response_type & 0x7f) == XCB_MAPPING_NOTIFY)
+            m_modifierMap.reset();
+    }
+    if (!m_modifierMap)
+        m_modifierMap.reset(xcb_get_modifier_mapping_reply(
+            connection, xcb_get_modifier_mapping(connection), nullptr));
+    return m_modifierMap.get();
+}
+
+QList<xcb_keycode_t> X11Keyboard::modifierKeys(xcb_connection_t *connection) {
     QList<xcb_keycode_t> keys;
-    const auto map = modifierMap(connection);
+    const auto *map = modifierMap(connection);
     if (!map)
         return keys;
-    const xcb_keycode_t *all = xcb_get_modifier_mapping_keycodes(map.get());
+    const xcb_keycode_t *all = xcb_get_modifier_mapping_keycodes(map);
     for (int row = 0; row < RowCount; ++row) {
         for (int i = 0; row != LockRow && i < map->keycodes_per_modifier; ++i) {
             if (const xcb_keycode_t key = all[row * map->keycodes_per_modifier + i])
@@ -161,7 +168,7 @@ bool X11Keyboard::postPaste(quint16 vKey) {
     const auto letter = KeyCodes::x11FromVirtual(vKey);
     if (!connection || !letter)
         return false;
-    const auto map = modifierMap(connection);
+    const auto *map = modifierMap(connection);
     const xcb_keycode_t control =
         map ? firstKeyOf(*map, ControlRow) : static_cast<xcb_keycode_t>(0);
     if (control == 0)

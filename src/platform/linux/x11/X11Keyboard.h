@@ -26,7 +26,8 @@ public:
 
 private:
     xcb_connection_t *posting();
-    QList<xcb_keycode_t> modifierKeys(xcb_connection_t *connection) const;
+    const xcb_get_modifier_mapping_reply_t *modifierMap(xcb_connection_t *connection);
+    QList<xcb_keycode_t> modifierKeys(xcb_connection_t *connection);
     QList<xcb_keycode_t> heldAmong(xcb_connection_t *connection,
                                    const QList<xcb_keycode_t> &keys) const;
     void fake(xcb_connection_t *connection, uint8_t type, xcb_keycode_t key) const;
@@ -37,4 +38,5 @@ private:
     bool m_isTrusted = false;
     std::mutex m_postingMutex;
     xcb_connection_t *m_posting = nullptr;
+    XcbPtr<xcb_get_modifier_mapping_reply_t> m_modifierMap; ///< as last told; with m_posting
 };

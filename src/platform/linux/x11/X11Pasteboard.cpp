@@ -94,8 +94,11 @@ const std::optional<QList<PasteboardOffer>> &X11Pasteboard::offers() {
             m_reading.offers->append(offered(representation.name));
         return m_reading.offers;
     }
-    const auto answer = m_reader->convert({m_x11->atom("TARGETS")}).constFirst();
+    // Who asks what there is wants the texts next; asked together they cost one round trip.
+    QList<QByteArray> names{"TARGETS", "UTF8_STRING", "text/html"};
+    auto answers = convert(names);
     m_reading.offersRead = true; // an owner that came meanwhile has emptied the reading
+    const auto answer = answers.takeFirst();
     if (!answer)
         return m_reading.offers;
     const auto *atoms = reinterpret_cast<const xcb_atom_t *>(answer->bytes.constData());
@@ -105,7 +108,32 @@ const std::optional<QList<PasteboardOffer>> &X11Pasteboard::offers() {
         if (holdsData(name))
             m_reading.offers->append(offered(name));
     }
+    names.removeFirst();
+    keep(names, answers);
     return m_reading.offers;
+}
+
+QList<std::optional<X11SelectionReader::Data>>
+X11Pasteboard::convert(const QList<QByteArray> &names) {
+    QList<xcb_atom_t> targets;
+    for (const QByteArray &name : names)
+        targets.append(m_x11->atom(name));
+    return m_reader->convert(targets);
+}
+
+void X11Pasteboard::keep(const QList<QByteArray> &names,
+                         const QList<std::optional<X11SelectionReader::Data>> &answers) {
+    for (qsizetype i = 0; i < names.size(); ++i) {
+        auto &entry = m_reading.data[names[i]];
+        if (answers[i])
+            entry = PasteboardRepresentation{
+                names[i], m_x11->atomNames({answers[i]->type}).constFirst(), answers[i]->bytes};
+    }
+    if (m_reader->ownerIsSilent()) {
+        // What it did not give now it will not give in this turn either; nobody waits for it twice.
+        for (const PasteboardOffer &offer : m_reading.offers.value_or(QList<PasteboardOffer>()))
+            m_reading.data.insert(offer.name, m_reading.data.value(offer.name));
+    }
 }
 
 void X11Pasteboard::fetch(const QList<QByteArray> &names) {
@@ -127,27 +155,20 @@ void X11Pasteboard::fetch(const QList<QByteArray> &names) {
             m_reading.data.insert(representation.name, representation);
         return;
     }
-    QList<xcb_atom_t> targets;
-    for (const QByteArray &name : missing)
-        targets.append(m_x11->atom(name));
-    const auto answers = m_reader->convert(targets);
-    for (qsizetype i = 0; i < missing.size(); ++i) {
-        auto &entry = m_reading.data[missing[i]];
-        if (answers[i])
-            entry = PasteboardRepresentation{
-                missing[i], m_x11->atomNames({answers[i]->type}).constFirst(), answers[i]->bytes};
-    }
-    if (m_reader->ownerIsSilent()) {
-        // What it did not give now it will not give in this turn either; nobody waits for it twice.
-        for (const PasteboardOffer &offer : m_reading.offers.value_or(QList<PasteboardOffer>()))
-            m_reading.data.insert(offer.name, m_reading.data.value(offer.name));
-    }
+    keep(missing, convert(missing));
+}
+
+// What was read in this turn holds for all of it, so only a turn's first reading waits for news of
+// changes.
+void X11Pasteboard::beginReading() {
+    if (!m_readingExpires)
+        m_x11->sync();
 }
 
 std::optional<QString> X11Pasteboard::text(PasteboardType type) {
     if (!m_owner)
         return std::nullopt;
-    m_x11->sync();
+    beginReading();
     const auto known = m_reading.texts.constFind(static_cast<int>(type));
     if (known != m_reading.texts.constEnd())
         return *known;
@@ -168,7 +189,7 @@ std::optional<QString> X11Pasteboard::text(PasteboardType type) {
 std::optional<QList<QList<PasteboardOffer>>> X11Pasteboard::items() {
     if (!m_owner)
         return std::nullopt;
-    m_x11->sync();
+    beginReading();
     if (!offers())
         return std::nullopt;
     return QList<QList<PasteboardOffer>>{*m_reading.offers};

@@ -37,9 +37,13 @@ private:
     void ownerChanged(const xcb_xfixes_selection_notify_event_t &event);
     bool foreignContentIsOurs();
     void publish(const PasteboardItem &contents);
+    void beginReading();
     void keepReadingForThisTurn();
     const std::optional<QList<PasteboardOffer>> &offers();
     void fetch(const QList<QByteArray> &names);
+    QList<std::optional<X11SelectionReader::Data>> convert(const QList<QByteArray> &names);
+    void keep(const QList<QByteArray> &names,
+              const QList<std::optional<X11SelectionReader::Data>> &answers);
 
     std::shared_ptr<X11Connection> m_x11;
     xcb_atom_t m_selection = XCB_ATOM_NONE;
