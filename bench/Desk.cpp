@@ -4,6 +4,7 @@
 
 #include "model/AppInfo.h"
 #include "stage/BrindleProcess.h"
+#include "stage/Keyring.h"
 
 #include <QEventLoop>
 #include <QSettings>

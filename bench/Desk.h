@@ -1,7 +1,7 @@
 #pragma once
 
+#include "stage/StatusArea.h"
 #include "stage/VirtualDesktop.h"
-#include "support/StatusArea.h"
 
 /// A desktop whose user has set Brindle up long ago, so that it asks for nothing at its start: with
 /// a settings file, a token in the keyring and a status area. Main thread only.

@@ -1,12 +1,12 @@
 #include "e2e/ClipboardManager.h"
-#include "e2e/Keyring.h"
 #include "stage/Actors.h"
 #include "stage/BrindleProcess.h"
 #include "stage/ClipboardReader.h"
+#include "stage/Keyring.h"
+#include "stage/StatusArea.h"
 #include "stage/VirtualDesktop.h"
 #include "stage/Windows.h"
 #include "support/NotificationLog.h"
-#include "support/StatusArea.h"
 
 #include <QTest>
 

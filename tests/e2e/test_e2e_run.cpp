@@ -1,7 +1,7 @@
-#include "e2e/Keyring.h"
 #include "stage/Actors.h"
 #include "stage/BrindleProcess.h"
 #include "stage/ClipboardReader.h"
+#include "stage/Keyring.h"
 #include "stage/VirtualDesktop.h"
 #include "stage/VirtualKeyboard.h"
 #include "stage/Windows.h"

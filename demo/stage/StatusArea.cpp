@@ -1,4 +1,4 @@
-#include "support/StatusArea.h"
+#include "stage/StatusArea.h"
 
 #include <QDBusArgument>
 #include <QDBusMessage>

@@ -1,4 +1,4 @@
-#include "e2e/Keyring.h"
+#include "stage/Keyring.h"
 
 #include "stage/VirtualDesktop.h"
 
