@@ -6,6 +6,13 @@
 /// programs make before the paste keys.
 QList<Row> benchPastes();
 
+/// From the press of the hotkey on an issue's link to its title in the window in front, without
+/// what a paste takes and what the server takes: the fetch alone.
+QList<Row> benchFetch();
+
+/// Rendering a link's text, and reading the text of a long comment.
+QList<Row> benchRendering();
+
 /// Looking for a reference in a large clipboard that holds none.
 QList<Row> benchDetection();
 

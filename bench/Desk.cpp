@@ -10,20 +10,22 @@
 #include <QSettings>
 #include <QTimer>
 
-Desk::Desk(const QString &recordFormat) : m_desktop({.keyring = true}), m_area(m_desktop.bus()) {
+Desk::Desk(const QMap<QString, QString> &settings)
+    : m_desktop({.keyring = true}), m_area(m_desktop.bus()) {
     require(m_desktop.problem().isEmpty(), m_desktop.problem());
     require(m_area.isThere(), "no place for a status area on the bus");
-    setBrindleUp(recordFormat);
+    setBrindleUp(settings);
 }
 
-void Desk::setBrindleUp(const QString &recordFormat) const {
+void Desk::setBrindleUp(const QMap<QString, QString> &settings) const {
     QSettings file(m_desktop.environment().value("XDG_CONFIG_HOME") + '/' +
                        AppInfo::bundleIdentifier() + ".conf",
                    QSettings::IniFormat);
     file.setValue("jiraBaseURL", "https://your-team.atlassian.net");
     file.setValue("jiraEmail", "you@example.com");
     file.setValue("accountBaseURL", "https://app.example.com/records/");
-    file.setValue("accountPasteFormat", recordFormat);
+    for (auto setting = settings.begin(); setting != settings.end(); ++setting)
+        file.setValue(setting.key(), setting.value());
     file.sync();
     require(file.status() == QSettings::NoError, "no settings file written");
     require(storeToken(m_desktop, AppInfo::keychainAccount(), "token"), "no token stored");

@@ -7,9 +7,9 @@
 /// a settings file, a token in the keyring and a status area. Main thread only.
 class Desk {
 public:
-    /// Gives the measurement up if something of it does not start. `recordFormat` is the format in
-    /// which links to records are pasted.
-    explicit Desk(const QString &recordFormat = "urlOnly");
+    /// Gives the measurement up if something of it does not start. `settings` come on top of what
+    /// every user has set.
+    explicit Desk(const QMap<QString, QString> &settings = {});
 
     /// The desktop itself, to start programs on.
     const VirtualDesktop &desktop() const { return m_desktop; }
@@ -18,7 +18,7 @@ public:
     double waitForIcon();
 
 private:
-    void setBrindleUp(const QString &recordFormat) const;
+    void setBrindleUp(const QMap<QString, QString> &settings) const;
 
     VirtualDesktop m_desktop;
     StatusArea m_area;

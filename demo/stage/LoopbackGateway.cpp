@@ -1,5 +1,6 @@
 #include "stage/LoopbackGateway.h"
 
+#include <QElapsedTimer>
 #include <QFile>
 #include <QPointer>
 #include <QProcess>
@@ -70,7 +71,13 @@ void LoopbackGateway::read(QSslSocket *socket, int connection, QByteArray &unrea
         requests.append(request);
         const GatewayReply reply =
             replies.value(request.target, GatewayReply{.status = 404, .body = "{}"});
-        QTimer::singleShot(reply.delay, socket, [this, socket, reply] { answer(socket, reply); });
+        QElapsedTimer asked;
+        asked.start();
+        QTimer::singleShot(reply.delay, socket, [this, socket, reply, asked] {
+            answer(socket, reply);
+            socket->flush();
+            answering += static_cast<double>(asked.nsecsElapsed()) / 1e6;
+        });
     }
 }
 

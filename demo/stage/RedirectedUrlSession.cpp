@@ -1,10 +1,9 @@
 #include "stage/RedirectedUrlSession.h"
 
-#include <QSslCertificate>
 #include <QSslConfiguration>
 
 RedirectedUrlSession::RedirectedUrlSession(quint16 port, const QString &certificate)
-    : m_port(port), m_certificate(certificate) {}
+    : m_port(port), m_certificates(QSslCertificate::fromPath(certificate)) {}
 
 QNetworkRequest RedirectedUrlSession::networkRequest(const UrlRequest &request) const {
     QNetworkRequest network = QtUrlSession::networkRequest(request);
@@ -16,7 +15,7 @@ QNetworkRequest RedirectedUrlSession::networkRequest(const UrlRequest &request) 
     network.setRawHeader("Host", host.toUtf8());
     network.setPeerVerifyName(host);
     QSslConfiguration configuration = network.sslConfiguration();
-    configuration.setCaCertificates(QSslCertificate::fromPath(m_certificate));
+    configuration.setCaCertificates(m_certificates);
     network.setSslConfiguration(configuration);
     return network;
 }

@@ -2,6 +2,7 @@
 
 #include "platform/linux/QtUrlSession.h"
 
+#include <QSslCertificate>
 #include <QString>
 
 /// The product's session, led to a LoopbackGateway: every host is looked for at its port, and its
@@ -15,5 +16,5 @@ protected:
 
 private:
     quint16 m_port;
-    QString m_certificate;
+    QList<QSslCertificate> m_certificates;
 };

@@ -1,0 +1,5 @@
+#include "bench/Benches.h"
+
+QList<Row> benchRendering() {
+    return {};
+}
