@@ -1,9 +1,7 @@
 #include "bench/Benches.h"
 #include "bench/Side.h"
 
-#include "stage/LoopbackGateway.h"
-
-#include <QThread>
+#include "stage/GatewayThread.h"
 
 namespace {
 
@@ -16,48 +14,12 @@ const QByteArray rich = "text/html";
 constexpr int coldRounds = 9;
 constexpr int warmRounds = 6; // after each cold one
 
-/// The site and gateway on a thread of its own, since this one waits for pastes without an event
-/// loop.
-class GatewayThread {
-public:
-    GatewayThread() {
-        m_context.moveToThread(&m_thread);
-        m_thread.start();
-        onThread([this] {
-            m_gateway = std::make_unique<LoopbackGateway>();
-            m_gateway->replies = {
-                {issueTarget,
-                 {.body = R"({"fields":{"summary":"Crash on login","issuetype":)"
-                          R"({"name":"Bug"},"status":{"name":"In Progress"}}})"}}};
-        });
-    }
-
-    ~GatewayThread() {
-        onThread([this] { m_gateway.reset(); });
-        m_thread.quit();
-        m_thread.wait();
-    }
-
-    /// The gateway; read only, while no request is under way.
-    const LoopbackGateway &get() const { return *m_gateway; }
-
-    /// The milliseconds that the gateway has spent on answers since the last call.
-    double takeAnswering() {
-        double answering = 0;
-        onThread([&] { answering = std::exchange(m_gateway->answering, 0); });
-        return answering;
-    }
-
-private:
-    template <typename Work>
-    void onThread(Work work) {
-        QMetaObject::invokeMethod(&m_context, work, Qt::BlockingQueuedConnection);
-    }
-
-    QThread m_thread;
-    QObject m_context;
-    std::unique_ptr<LoopbackGateway> m_gateway;
-};
+/// The milliseconds that the gateway has spent on answers since the last call.
+double takeAnswering(GatewayThread &gateway) {
+    double answering = 0;
+    gateway.run([&](LoopbackGateway &it) { answering = std::exchange(it.answering, 0); });
+    return answering;
+}
 
 /// The figures of one side, in milliseconds.
 struct Times {
@@ -81,10 +43,10 @@ Times curl(GatewayThread &gateway, int count) {
     QProcess tool;
     tool.setProcessChannelMode(QProcess::ForwardedErrorChannel);
     const int connections = gateway.get().connections;
-    gateway.takeAnswering();
+    takeAnswering(gateway);
     tool.start("curl", arguments);
     require(tool.waitForFinished() && tool.exitCode() == 0, "curl fetches nothing");
-    const double served = gateway.takeAnswering() / count;
+    const double served = takeAnswering(gateway) / count;
     require(gateway.get().connections == connections + 1, "curl does not keep its connection");
     Times times;
     for (const QByteArray &line : tool.readAllStandardOutput().trimmed().split('\n'))
@@ -104,8 +66,8 @@ void measure(Side &side, GatewayThread &gateway, Product &product) {
     for (int round = -1; round < warmRounds; ++round) {
         const double paste = side.paste(record, rich, recordLink);
         side.waitForRestore(record);
-        gateway.takeAnswering();
-        const double whole = side.paste(issue, rich, issue) - gateway.takeAnswering();
+        takeAnswering(gateway);
+        const double whole = side.paste(issue, rich, issue) - takeAnswering(gateway);
         side.waitForRestore(issue);
         if (round >= 0) // the first one of the program warms the paste up, too
             product.records.append(paste);
@@ -117,7 +79,11 @@ void measure(Side &side, GatewayThread &gateway, Product &product) {
 } // namespace
 
 QList<Row> benchFetch() {
-    GatewayThread gateway;
+    // On a thread of its own, since this one waits for pastes without an event loop.
+    GatewayThread gateway({"api.atlassian.com"},
+                          {{issueTarget,
+                            {.body = R"({"fields":{"summary":"Crash on login","issuetype":)"
+                                     R"({"name":"Bug"},"status":{"name":"In Progress"}}})"}}});
     require(gateway.get().problem().isEmpty(), gateway.get().problem());
     Side side({{"jiraCloudId", "c-1"}, {"accountPasteFormat", "richLink"}},
               BRINDLE_ON_STAGE_PROGRAM,

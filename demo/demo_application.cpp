@@ -5,13 +5,13 @@
 #include "app/Launch.h"
 #include "model/AppInfo.h"
 #include "platform/linux/LinuxPlatform.h"
+#include "stage/GatewayThread.h"
 #include "stage/JsonLines.h"
 #include "stage/RedirectedUrlSession.h"
 #include "storage/LogStore.h"
 
 #include <QApplication>
 #include <QMutex>
-#include <QThread>
 
 namespace {
 
@@ -43,36 +43,6 @@ private:
          "sample-confluence-token"}};
 };
 
-/// The sample site, answering on a thread of its own from the constructor on.
-class SiteThread {
-public:
-    SiteThread() {
-        m_context.moveToThread(&m_thread);
-        m_thread.start();
-        QMetaObject::invokeMethod(
-            &m_context,
-            [this] {
-                m_gateway = std::make_unique<LoopbackGateway>(SampleSite::hosts());
-                m_gateway->replies = SampleSite::replies();
-            },
-            Qt::BlockingQueuedConnection);
-    }
-
-    ~SiteThread() {
-        QMetaObject::invokeMethod(
-            &m_context, [this] { m_gateway.reset(); }, Qt::BlockingQueuedConnection);
-        m_thread.quit();
-        m_thread.wait();
-    }
-
-    const LoopbackGateway &gateway() const { return *m_gateway; }
-
-private:
-    QThread m_thread;
-    QObject m_context;
-    std::unique_ptr<LoopbackGateway> m_gateway;
-};
-
 void tellLastEntry() {
     const auto &entries = LogStore::shared().entries();
     if (!entries.isEmpty())
@@ -86,15 +56,15 @@ void tellLastEntry() {
 int main(int argc, char *argv[]) {
     const QApplication qt(argc, argv);
     nameApplication();
-    const SiteThread site;
-    if (!site.gateway().problem().isEmpty()) {
-        qCritical("The sample site does not start: %ls", qUtf16Printable(site.gateway().problem()));
+    const GatewayThread site(SampleSite::hosts(), SampleSite::replies());
+    if (!site.get().problem().isEmpty()) {
+        qCritical("The sample site does not start: %ls", qUtf16Printable(site.get().problem()));
         return 1;
     }
     QObject::connect(&LogStore::shared(), &LogStore::changed, &qt, tellLastEntry);
     Platform platform = makeLinuxPlatform();
     platform.urlSession =
-        std::make_shared<RedirectedUrlSession>(site.gateway().port(), site.gateway().certificate());
+        std::make_shared<RedirectedUrlSession>(site.get().port(), site.get().certificate());
     platform.secretStore = std::make_shared<SampleKeyring>();
     return runBrindle(std::move(platform));
 }
