@@ -72,6 +72,8 @@ private Q_SLOTS:
             << QByteArray("k=99999999999999999999") << "99999999999999999999" << qint64{-1} << -1;
         QTest::newRow("text with a comma")
             << QByteArray("k={key}, {summary}") << "{key}, {summary}" << qint64{-1} << -1;
+        QTest::newRow("text with a comma and an at sign")
+            << QByteArray("k=@{key}, {summary}") << "@{key}, {summary}" << qint64{-1} << -1;
         QTest::newRow("bytes of a strange kind")
             << QByteArray("k=@Variant(\\0\\0)") << QString() << qint64{-1} << -1;
     }

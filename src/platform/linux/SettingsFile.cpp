@@ -5,7 +5,22 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <algorithm>
 #include <cmath>
+
+namespace {
+
+/// Text with commas written by hand arrives as a list, and as one of variants if any piece starts
+/// with "@". Pieces that are more than text make no text.
+bool isTextInPieces(const QVariant &value) {
+    if (value.typeId() != QMetaType::QVariantList)
+        return value.typeId() == QMetaType::QStringList;
+    const QVariantList pieces = value.toList();
+    return std::all_of(pieces.begin(), pieces.end(),
+                       [](const QVariant &piece) { return piece.typeId() == QMetaType::QString; });
+}
+
+} // namespace
 
 SettingsFile::SettingsFile() : m_file(AppInfo::bundleIdentifier()) {
     load();
@@ -32,9 +47,8 @@ std::optional<QVariant> SettingsFile::scalar(const QString &key) const {
     if (!m_file.contains(key))
         return std::nullopt;
     const QVariant value = m_file.value(key);
-    // Text with commas written by hand arrives as a list. Blanks around the commas are gone, and
-    // one after each is what people write.
-    if (value.typeId() == QMetaType::QStringList)
+    // Blanks around the commas are gone, and one after each is what people write.
+    if (isTextInPieces(value))
         return value.toStringList().join(QStringLiteral(", "));
     return value;
 }
