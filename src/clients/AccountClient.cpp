@@ -17,14 +17,14 @@ bool isHexDigit(QChar unit) {
            (unit >= u'a' && unit <= u'f');
 }
 
-/// Whether `text`, which starts with a hex digit, goes on with another one or with something that
-/// belongs to the first as the user sees it, such as a combining accent.
-bool digitGoesOn(QStringView text) {
-    if (text.size() == 1)
+/// Whether `text` starts with a hex digit to which nothing else belongs as the user sees it, such
+/// as a combining accent.
+bool startsWithDigit(QStringView text) {
+    if (text.isEmpty() || !isHexDigit(text.front()))
         return false;
     // Two more units hold any code point, and the next one settles it.
     const QStringView start = text.first(std::min<qsizetype>(text.size(), 3));
-    return isHexDigit(text[1]) || Text::firstCharacters(start, 1).size() > 1;
+    return Text::firstCharacters(start, 1).size() == 1;
 }
 
 std::optional<QString> idFromURL(QStringView text, const QString &base) {
@@ -35,7 +35,7 @@ std::optional<QString> idFromURL(QStringView text, const QString &base) {
         return std::nullopt;
     const QStringView rest = text.sliced(found + base.size());
     if (rest.size() < idLength || !isAccountId(rest.first(idLength)) ||
-        digitGoesOn(rest.sliced(idLength - 1)))
+        !startsWithDigit(rest.sliced(idLength - 1)) || startsWithDigit(rest.sliced(idLength)))
         return std::nullopt;
     return rest.first(idLength).toString().toLower();
 }

@@ -227,6 +227,7 @@ void TestClientsReferences::findsRecordIds_data() {
     row("accent on a bare id", digits + u"\u0301"_s, false);
     row("accent on the last digit after the base", base + digits + u"\u0301"_s, false);
     row("accent beyond the BMP on the last digit", base + digits + u"\U00010376"_s, false);
+    row("letter with an accent after the id", base + digits + u"e\u0301"_s, true);
     row("accent on an inner digit", base + digits.chopped(2) + u"a\u0301b"_s, false);
     row("empty", QString(), false);
 }
