@@ -5,6 +5,7 @@ BUILD_PACKAGES="g++ cmake ninja-build pkg-config qt6-base-dev libxcb1-dev libxcb
 DEMO_PACKAGES="xvfb openbox dbus-daemon openssl fonts-dejavu-core fonts-noto-color-emoji"
 TEST_PACKAGES="$DEMO_PACKAGES clang-format xserver-xephyr xdotool dunst gnome-keyring at-spi2-core
     dbus x11-xserver-utils x11-xkb-utils python3 libsecret-tools"
+FUZZ_PACKAGES="clang libclang-rt-dev"
 
 # ensure_packages NAME...: installs those that are missing, as root or through sudo.
 ensure_packages() {

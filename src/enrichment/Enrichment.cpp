@@ -191,6 +191,8 @@ template <class... Cases>
 struct Overloaded : Cases... {
     using Cases::operator()...;
 };
+template <class... Cases>
+Overloaded(Cases...) -> Overloaded<Cases...>; // clang before 17 doesn't deduce it by itself
 
 } // namespace
 
