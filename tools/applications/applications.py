@@ -1,0 +1,239 @@
+"""The applications that are pasted into: how each is started, told to save, and read."""
+
+import json
+import os
+import re
+import urllib.parse
+from pathlib import Path
+from xml.etree import ElementTree
+
+import desk
+import reading
+
+HERE = Path(__file__).parent
+
+
+def version(package):
+    """The upstream version of an installed package."""
+    text = desk.output("dpkg-query", "-W", "-f", "${Version}", package).decode()
+    return re.sub(r"^\d+:|(\+|-)[^-]*(-\d.*)?$", "", text)
+
+
+class Application:
+    """A window to paste into. `content` tells what it holds since the last `save`."""
+
+    def __init__(self, name, package, **environment):
+        self.name = name
+        self.package = package
+        self.environment = environment
+
+    def start(self, folder):
+        """Starts it with everything of its own in `folder`."""
+        folder.mkdir()
+        self.folder = folder
+        return desk.Running(self.command(), "application.log", **self.environment)
+
+    def file(self, name, content=""):
+        """A new file in the folder."""
+        path = self.folder / name
+        path.parent.mkdir(parents=True, exist_ok=True)
+        path.write_text(content, encoding="utf-8")
+        return path
+
+    def is_in_front(self):
+        return desk.front_title() != ""
+
+    def save(self):
+        desk.press("ctrl+s")
+
+    def content(self):
+        raise NotImplementedError
+
+    def command(self):
+        raise NotImplementedError
+
+
+class Editor(Application):
+    """A text editor that opens the file named last on its command line."""
+
+    def __init__(self, name, package, command, **environment):
+        super().__init__(name, package, **environment)
+        self.words = command.split()
+
+    def command(self):
+        self.path = self.file("note.txt", "\n")
+        return [*self.words, str(self.path)]
+
+    def is_in_front(self):
+        return "note.txt" in desk.front_title()
+
+    def content(self):
+        return reading.plain(self.path.read_text(encoding="utf-8"))
+
+
+class Terminal(Application):
+    """A terminal in which `cat` writes what is typed into a file, a line at a time."""
+
+    def __init__(self, name, package, command, **environment):
+        super().__init__(name, package, **environment)
+        self.words = command
+
+    def command(self):
+        self.path = self.file("typed.txt")
+        script = self.file("cat.sh", f'#!/bin/sh\nexec cat >"{self.path}"\n')
+        script.chmod(0o755)
+        return [word.replace("SCRIPT", str(script)) for word in self.words]
+
+    def save(self):
+        desk.press("Return")
+
+    def content(self):
+        return reading.plain(self.path.read_text(encoding="utf-8", errors="replace"))
+
+
+class Writer(Application):
+    """A word processor; the document is a flat one, which it can save over."""
+
+    SETTINGS = """<?xml version="1.0" encoding="UTF-8"?>
+<oor:items xmlns:oor="http://openoffice.org/2001/registry">
+%s</oor:items>
+"""
+    ITEM = (
+        '<item oor:path="/org.openoffice.%s"><prop oor:name="%s" oor:op="fuse">'
+        "<value>false</value></prop></item>\n"
+    )
+    DOCUMENT = (
+        '<office:document xmlns:office="urn:oasis:names:tc:opendocument:xmlns:office:1.0"'
+        ' xmlns:text="urn:oasis:names:tc:opendocument:xmlns:text:1.0" office:version="1.2"'
+        ' office:mimetype="application/vnd.oasis.opendocument.text">'
+        "<office:body><office:text><text:p/></office:text></office:body></office:document>"
+    )
+
+    def options(self):
+        items = [("Office.Common/Misc", "ShowTipOfTheDay"), ("Office.Common/Save/Document", "WarnAlienFormat")]
+        self.file(
+            "profile/user/registrymodifications.xcu",
+            self.SETTINGS % "".join(self.ITEM % item for item in items),
+        )
+        return ["soffice", "--norestore", "--nologo", f"-env:UserInstallation=file://{self.folder}/profile"]
+
+    def command(self):
+        self.path = self.file("letter.fodt", self.DOCUMENT)
+        return [*self.options(), "--writer", str(self.path)]
+
+    def is_in_front(self):
+        return "letter" in desk.front_title()
+
+    def content(self):
+        try:
+            return reading.odf(self.path.read_bytes())
+        except ElementTree.ParseError:
+            return []  # being written
+
+    def converted(self, folder, name, data, type_filter):
+        """What it holds after opening `data` as a file of that name."""
+        folder.mkdir()
+        self.folder = folder
+        source = self.folder / name
+        source.write_bytes(data)
+        target = source.with_suffix(".fodt")
+        command = [*self.options(), "--headless", f"--infilter={type_filter}", "--convert-to"]
+        desk.output(*command, "fodt:OpenDocument Text Flat XML", "--outdir", str(folder), str(source))
+        return reading.odf(target.read_bytes()) if target.exists() else []
+
+
+class Browser(Application):
+    """An editable page that tells in its title what it holds."""
+
+    def page(self):
+        return (HERE / "page.html").as_uri()
+
+    def save(self):
+        pass
+
+    def is_in_front(self):
+        return "runs:" in desk.front_title()
+
+    def content(self):
+        found = re.search("runs:(.*):", desk.front_title())
+        if not found:
+            return []
+        return [reading.Run(*run) for run in json.loads(urllib.parse.unquote(found[1]))]
+
+
+class Chromium(Browser):
+    def command(self):
+        switches = "--no-sandbox --no-first-run --no-default-browser-check --disable-gpu"
+        switches += " --disable-background-networking --disable-component-update --disable-sync"
+        switches += " --disable-dev-shm-usage --password-store=basic --ozone-platform=x11"
+        switches += " --proxy-server=127.0.0.1:9"
+        return ["chromium", *switches.split(), f"--user-data-dir={self.folder}/profile", self.page()]
+
+
+def _preferences(values):
+    return "".join(f'user_pref("{name}", {json.dumps(value)});\n' for name, value in values.items())
+
+
+# No page of welcome, no notice, and no way to the network.
+QUIET = {
+    "app.normandy.enabled": False,
+    "app.update.enabled": False,
+    "browser.aboutwelcome.enabled": False,
+    "browser.shell.checkDefaultBrowser": False,
+    "browser.startup.homepage_override.mstone": "ignore",
+    "datareporting.policy.dataSubmissionEnabled": False,
+    "datareporting.policy.dataSubmissionPolicyBypassNotification": True,
+    "network.proxy.type": 1,
+    "network.proxy.http": "127.0.0.1",
+    "network.proxy.http_port": 9,
+    "network.proxy.ssl": "127.0.0.1",
+    "network.proxy.ssl_port": 9,
+    "toolkit.telemetry.reportingpolicy.firstRun": False,
+    "trailhead.firstrun.didSeeAboutWelcome": True,
+}
+
+
+class Firefox(Browser):
+    def command(self):
+        self.file("profile/user.js", _preferences(QUIET))
+        return ["firefox-esr", "--new-instance", "--profile", f"{self.folder}/profile", self.page()]
+
+
+class Thunderbird(Application):
+    """The window of a new message, saved as a draft."""
+
+    ACCOUNT = {
+        "mail.accountmanager.accounts": "account1",
+        "mail.accountmanager.localfoldersserver": "server1",
+        "mail.account.account1.server": "server1",
+        "mail.account.account1.identities": "id1",
+        "mail.accountmanager.defaultaccount": "account1",
+        "mail.server.server1.type": "none",
+        "mail.server.server1.hostname": "Local Folders",
+        "mail.server.server1.name": "Local Folders",
+        "mail.server.server1.userName": "nobody",
+        "mail.identity.id1.fullName": "Ann",
+        "mail.identity.id1.useremail": "ann@h.example",
+        "mail.identity.id1.valid": True,
+        "mail.identity.id1.compose_html": True,
+        "mail.identity.id1.draft_folder": "mailbox://nobody@Local%20Folders/Drafts",
+        "mail.provider.suppress_dialog_on_startup": True,
+        "mail.spotlight.firstRunDone": True,
+        "mail.rights.version": 1,
+        "mail.shell.checkDefaultClient": False,
+        "mail.compose.autosave": False,
+        "mailnews.start_page.enabled": False,
+        "mailnews.start_page_override.mstone": "ignore",
+    }
+
+    def command(self):
+        self.file("profile/user.js", _preferences({**QUIET, **self.ACCOUNT}))
+        message = "to='bob@h.example',subject='letter',format='html'"
+        return ["thunderbird", "--new-instance", "--profile", f"{self.folder}/profile", "-compose", message]
+
+    def is_in_front(self):
+        return desk.front_title().startswith("Write: letter")
+
+    def content(self):
+        drafts = self.folder / "profile/Mail/Local Folders/Drafts"
+        return reading.mail_folder(drafts.read_bytes()) if drafts.exists() else []
