@@ -3,7 +3,6 @@
 import json
 import os
 import re
-import urllib.parse
 from pathlib import Path
 from xml.etree import ElementTree
 
@@ -16,7 +15,7 @@ HERE = Path(__file__).parent
 def version(package):
     """The upstream version of an installed package."""
     text = desk.output("dpkg-query", "-W", "-f", "${Version}", package).decode()
-    return re.sub(r"^\d+:|(\+|-)[^-]*(-\d.*)?$", "", text)
+    return re.sub(r"^\d+:|[-+~].*$", "", text)
 
 
 class Application:
@@ -41,7 +40,7 @@ class Application:
         return path
 
     def is_in_front(self):
-        return desk.front_title() != ""
+        return desk.has_front_window()
 
     def save(self):
         desk.press("ctrl+s")
@@ -76,7 +75,7 @@ class Terminal(Application):
 
     def __init__(self, name, package, command, **environment):
         super().__init__(name, package, **environment)
-        self.words = command
+        self.words = command.split()
 
     def command(self):
         self.path = self.file("typed.txt")
@@ -91,6 +90,20 @@ class Terminal(Application):
         return reading.plain(self.path.read_text(encoding="utf-8", errors="replace"))
 
 
+class GnomeTerminal(Terminal):
+    """It is a service and a program that asks the service for a window."""
+
+    SCRIPT = """#!/bin/sh
+/usr/libexec/gnome-terminal-server &
+until gnome-terminal --wait -- %s; do sleep 0.1; done
+"""
+
+    def command(self):
+        (script,) = super().command()
+        start = self.file("start.sh", self.SCRIPT % script)
+        return ["sh", str(start)]
+
+
 class Writer(Application):
     """A word processor; the document is a flat one, which it can save over."""
 
@@ -103,7 +116,7 @@ class Writer(Application):
         "<value>false</value></prop></item>\n"
     )
     DOCUMENT = (
-        '<office:document xmlns:office="urn:oasis:names:tc:opendocument:xmlns:office:1.0"'
+        '<?xml version="1.0" encoding="UTF-8"?>\n<office:document xmlns:office="urn:oasis:names:tc:opendocument:xmlns:office:1.0"'
         ' xmlns:text="urn:oasis:names:tc:opendocument:xmlns:text:1.0" office:version="1.2"'
         ' office:mimetype="application/vnd.oasis.opendocument.text">'
         "<office:body><office:text><text:p/></office:text></office:body></office:document>"
@@ -130,16 +143,20 @@ class Writer(Application):
         except ElementTree.ParseError:
             return []  # being written
 
-    def converted(self, folder, name, data, type_filter):
-        """What it holds after opening `data` as a file of that name."""
-        folder.mkdir()
-        self.folder = folder
-        source = self.folder / name
-        source.write_bytes(data)
-        target = source.with_suffix(".fodt")
-        command = [*self.options(), "--headless", f"--infilter={type_filter}", "--convert-to"]
-        desk.output(*command, "fodt:OpenDocument Text Flat XML", "--outdir", str(folder), str(source))
-        return reading.odf(target.read_bytes()) if target.exists() else []
+
+class AbiWord(Application):
+    def command(self):
+        self.path = self.file("letter.abw", '<?xml version="1.0"?>\n<abiword><section><p></p></section></abiword>\n')
+        return ["abiword", str(self.path)]
+
+    def is_in_front(self):
+        return "letter" in desk.front_title()
+
+    def content(self):
+        try:
+            return reading.abiword(self.path.read_bytes())
+        except ElementTree.ParseError:
+            return []  # being written
 
 
 class Browser(Application):
@@ -155,10 +172,12 @@ class Browser(Application):
         return "runs:" in desk.front_title()
 
     def content(self):
-        found = re.search("runs:(.*):", desk.front_title())
-        if not found:
+        start = desk.front_title().find("runs:")
+        if start < 0:
             return []
-        return [reading.Run(*run) for run in json.loads(urllib.parse.unquote(found[1]))]
+        told = desk.front_title()[start + len("runs:") :]
+        (links, runs), _ = json.JSONDecoder().raw_decode(told)
+        return [reading.Run(text, links[link], *map(bool, style)) for text, link, *style in runs]
 
 
 class Chromium(Browser):
@@ -203,15 +222,20 @@ class Thunderbird(Application):
     """The window of a new message, saved as a draft."""
 
     ACCOUNT = {
-        "mail.accountmanager.accounts": "account1",
-        "mail.accountmanager.localfoldersserver": "server1",
+        "mail.accountmanager.accounts": "account1,account2",
+        "mail.accountmanager.localfoldersserver": "server2",
+        "mail.accountmanager.defaultaccount": "account1",
         "mail.account.account1.server": "server1",
         "mail.account.account1.identities": "id1",
-        "mail.accountmanager.defaultaccount": "account1",
-        "mail.server.server1.type": "none",
-        "mail.server.server1.hostname": "Local Folders",
-        "mail.server.server1.name": "Local Folders",
-        "mail.server.server1.userName": "nobody",
+        "mail.account.account2.server": "server2",
+        "mail.server.server1.type": "pop3",
+        "mail.server.server1.hostname": "h.example",
+        "mail.server.server1.userName": "ann",
+        "mail.server.server1.check_new_mail": False,
+        "mail.server.server1.login_at_startup": False,
+        "mail.server.server2.type": "none",
+        "mail.server.server2.hostname": "Local Folders",
+        "mail.server.server2.userName": "nobody",
         "mail.identity.id1.fullName": "Ann",
         "mail.identity.id1.useremail": "ann@h.example",
         "mail.identity.id1.valid": True,

@@ -31,6 +31,11 @@ def press(*keys):
     subprocess.run(["xdotool", "key", *keys], check=True)
 
 
+def has_front_window():
+    """Whether there is a window in front, with a title or without."""
+    return output("xdotool", "getactivewindow") != b""
+
+
 def front_title():
     """The title of the window in front; empty when there is none."""
     return output("xdotool", "getactivewindow", "getwindowname").decode(errors="replace").strip()
@@ -56,7 +61,7 @@ class Running:
     """A program that is ended with the block, and what it has started."""
 
     def __init__(self, command, log, **environment):
-        self.log = open(HOME / "log" / log, "ab")
+        self.log = open(HOME / "log" / log, "wb")
         self.process = subprocess.Popen(
             command,
             stdin=subprocess.DEVNULL,
@@ -100,8 +105,19 @@ class Copied:
             "text/html": f"<p>{text}</p>".encode(),
         }
 
+    @classmethod
+    def alone(cls, name, data):
+        """The same with one flavour of that name."""
+        copied = cls("")
+        copied.flavours = {name: data}
+        return copied
+
     def copy(self):
-        options = [f"--flavour={name}={data.decode()}" for name, data in self.flavours.items()]
+        options = []
+        for name, data in self.flavours.items():
+            file = HOME / "tmp" / name.replace("/", "-")
+            file.write_bytes(data)
+            options.append(f"--flavour={name}=@{file}")
         return Running([os.environ["CLIPBOARD_OWNER"], *options], "copied.log")
 
     def is_on_clipboard(self):

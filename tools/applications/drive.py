@@ -4,15 +4,24 @@ what is expected of each. Arguments choose rows by a part of their name."""
 import re
 import sys
 import time
-from dataclasses import dataclass, field
+from dataclasses import dataclass
 
 import desk
-from applications import Application, Chromium, Editor, Firefox, Terminal, Thunderbird, Writer, version
+from applications import (
+    AbiWord,
+    Application,
+    Chromium,
+    Editor,
+    Firefox,
+    GnomeTerminal,
+    Terminal,
+    Thunderbird,
+    Writer,
+    version,
+)
 
-ISSUE = "https://h.example/browse/ABC-1"
-RECORD = "507f1f77bcf86cd799439011"
-RECORD_LINK = "https://h.example/records/" + RECORD
-TITLE = "ABC-1 - BUG - é — 🐞 &"
+# What a user of xterm sets to have it paste the clipboard on Ctrl+V.
+XTERM_PASTES = "XTerm*VT100.translations: #override Ctrl <Key>v: insert-selection(CLIPBOARD)"
 
 SETTINGS = {
     "jiraBaseURL": "https://h.example",
@@ -21,61 +30,95 @@ SETTINGS = {
     "displayTemplate": "<b>{key}</b> - <i>{TYPE}</i> - {summary}",
 }
 
-# What is copied and what its plain text becomes. The title is "é — 🐞 <b> &": a tag in a title is
-# a style like any other, so its end is bold.
-FORMATS = {
-    "richLink": (ISSUE, f"{TITLE} ({ISSUE})"),
-    "plainText": (ISSUE, f"{TITLE} ({ISSUE})"),
-    "markdown": (ISSUE, f"[**ABC-1** - *BUG* - é — 🐞 ** &]({ISSUE})"),
-    "urlOnly": (RECORD, RECORD_LINK),
-}
-
-RICH = {"link": ISSUE, "text": TITLE, "bold": "ABC-1 &", "italic": "BUG", "typed after": "plain"}
+# A tag in a title is a style like any other: the first title ends in bold, the second does not.
+ENDS_BOLD = "https://h.example/browse/ABC-1"
+ENDS_PLAIN = "https://h.example/browse/ABC-2"
+TITLES = {ENDS_BOLD: "ABC-1 - BUG - é — 🐞 &", ENDS_PLAIN: "ABC-2 - BUG - Crash"}
+RECORD = "507f1f77bcf86cd799439011"
 
 
 @dataclass
 class Row:
+    """What is copied, in which format it is pasted, and what the application holds then."""
+
     application: Application
-    format: str = "richLink"
-    expected: dict = field(default_factory=dict)
+    format: str
+    copied: str
+    expected: dict
+    only: str = ""  # paste this flavour alone, as an application would that knows no other
 
 
-def plain(format):
-    """What an application holds that takes the plain text."""
-    return {"link": "-", "text": FORMATS[format][1], "bold": "-", "italic": "-", "typed after": "plain"}
+def rich(application, copied=ENDS_BOLD, after="plain", only=""):
+    """A row with everything of a rich link kept."""
+    expected = {"link": copied, "text": TITLES[copied], "italic": "BUG", "typed after": after}
+    expected["bold"] = "ABC-1&" if copied == ENDS_BOLD else "ABC-2"
+    return Row(application, "richLink", copied, expected, only)
 
 
-NOTHING = {"link": "-", "text": "-", "bold": "-", "italic": "-", "typed after": "plain"}
+def plain(application, format, text=None):
+    """A row with plain text only."""
+    texts = {
+        "richLink": f"{TITLES[ENDS_BOLD]} ({ENDS_BOLD})",
+        "plainText": f"{TITLES[ENDS_BOLD]} ({ENDS_BOLD})",
+        "markdown": f"[**ABC-1** - *BUG* - é — 🐞 ** &]({ENDS_BOLD})",
+        "urlOnly": SETTINGS["accountBaseURL"] + RECORD,
+    }
+    expected = {"link": "-", "text": text or texts[format], "typed after": "plain"}
+    expected.update(bold="-", italic="-")
+    return Row(application, format, RECORD if format == "urlOnly" else ENDS_BOLD, expected)
 
 
 def rows():
-    gen, gtk = {"SAL_USE_VCLPLUGIN": "gen"}, {"SAL_USE_VCLPLUGIN": "gtk3"}
-    xterm_pastes = "XTerm*VT100.translations: #override Ctrl <Key>v: insert-selection(CLIPBOARD)"
-    lx = Terminal("LXTerminal", "lxterminal", ["lxterminal", "--no-remote", "-e", "SCRIPT"])
-    konsole = Terminal("Konsole", "konsole", ["konsole", "--nofork", "-e", "SCRIPT"])
-    xterm = Terminal("xterm", "xterm", ["xterm", "-e", "SCRIPT"])
-    told = Terminal("xterm, told", "xterm", ["xterm", "-xrm", xterm_pastes, "-e", "SCRIPT"])
+    writer = Writer("Writer", "libreoffice-writer", SAL_USE_VCLPLUGIN="gtk3")
+    bare_writer = Writer("Writer without GTK", "libreoffice-writer", SAL_USE_VCLPLUGIN="gen")
+    abiword = AbiWord("AbiWord", "abiword")
+    firefox = Firefox("Firefox", "firefox-esr")
+    chromium = Chromium("Chromium", "chromium")
+    thunderbird = Thunderbird("Thunderbird", "thunderbird")
+    lxterminal = Terminal("LXTerminal", "lxterminal", "lxterminal --no-remote -e SCRIPT")
+    xfce = Terminal("Xfce Terminal", "xfce4-terminal", "xfce4-terminal --disable-server -e SCRIPT")
+    gnome = GnomeTerminal("GNOME Terminal", "gnome-terminal", "SCRIPT")
+    konsole = Terminal("Konsole", "konsole", "konsole --nofork -e SCRIPT")
+    xterm = Terminal("xterm", "xterm", "xterm -e SCRIPT")
+    told = Terminal("xterm with Ctrl+V", "xterm", "xterm -e SCRIPT")
+    told.words[1:1] = ["-xrm", XTERM_PASTES]
     return [
-        Row(Writer("Writer (X11)", "libreoffice-writer", **gen), expected=RICH),
-        Row(Writer("Writer (GTK)", "libreoffice-writer", **gtk), expected=RICH),
-        Row(Firefox("Firefox", "firefox-esr"), expected=RICH),
-        Row(Chromium("Chromium", "chromium"), expected=RICH),
-        Row(Thunderbird("Thunderbird", "thunderbird"), expected=RICH),
-        Row(Editor("gedit", "gedit", "gedit --standalone"), expected=plain("richLink")),
-        Row(Editor("Mousepad", "mousepad", "mousepad --disable-server"), expected=plain("richLink")),
-        Row(Editor("Kate", "kate", "kate --block"), expected=plain("richLink")),
+        *(rich(writer, only=only, after="bold") for only in ("", "text/rtf", "text/html")),
+        rich(writer, ENDS_PLAIN),
+        rich(bare_writer, after="bold"),
         *(
-            Row(terminal, format, plain(format))
-            for terminal in (lx, konsole, told)
+            row
+            for application in (abiword, chromium)
+            for row in (rich(application), rich(application, ENDS_PLAIN))
+        ),
+        *(
+            row
+            for application in (firefox, thunderbird)
+            for row in (
+                rich(application, after="link bold"),
+                rich(application, ENDS_PLAIN, after="link"),
+            )
+        ),
+        plain(Editor("gedit", "gedit", "gedit --standalone"), "richLink"),
+        plain(Editor("Mousepad", "mousepad", "mousepad --disable-server"), "richLink"),
+        plain(Editor("Kate", "kate", "kate --block"), "richLink"),
+        *(
+            plain(terminal, format)
+            for terminal in (gnome, xfce, lxterminal, konsole, told)
             for format in ("plainText", "markdown", "urlOnly")
         ),
-        Row(xterm, "plainText", NOTHING),
+        plain(xterm, "plainText", text="-"),
     ]
 
 
 def folded(text):
     """HTML folds spaces, editors keep them with spaces that do not fold."""
     return re.sub(r"\s+", " ", text).strip()
+
+
+def unspaced(text):
+    """Which of two neighbouring spaces is the styled one is nobody's business."""
+    return re.sub(r"\s+", "", text)
 
 
 def typed_like(run):
@@ -85,7 +128,7 @@ def typed_like(run):
 def judged(runs):
     """The columns of a row. The runs are what was pasted, after the probes "q" and before "z"."""
     whole = "".join(run.text for run in runs)
-    start = len(whole) - len(whole.lstrip("q\n "))
+    start = re.match(r"[q\s]*", whole).end()
     end = whole.rindex("z") if "z" in whole else len(whole)
     pasted, after, place = [], "-", 0
     for run in runs:
@@ -93,14 +136,13 @@ def judged(runs):
         if place <= end < place + len(run.text):
             after = typed_like(run)
         place += len(run.text)
-        if text.strip():
-            pasted.append((text, run))
-    links = sorted({run.link for _, run in pasted})
+        pasted.append((text, run))
+    links = sorted({run.link for text, run in pasted if text.strip()})
     return {
         "link": " / ".join(link or "-" for link in links) or "-",
         "text": folded("".join(text for text, _ in pasted)) or "-",
-        "bold": folded("".join(text for text, run in pasted if run.bold)) or "-",
-        "italic": folded("".join(text for text, run in pasted if run.italic)) or "-",
+        "bold": unspaced("".join(text for text, run in pasted if run.bold)) or "-",
+        "italic": unspaced("".join(text for text, run in pasted if run.italic)) or "-",
         "typed after": after,
     }
 
@@ -127,56 +169,97 @@ def type_and_save(application, letter, seconds):
     raise Failure(f"{letter} is not held; in front is {desk.front_title()!r}")
 
 
-def run(row, number):
+def paste_by_hotkey(row):
+    """Presses the hotkey; whether clipboard and keyboard are afterwards as they were before."""
+    copied = desk.Copied(row.copied)
+    settings = {**SETTINGS, "pasteFormat": row.format, "accountPasteFormat": row.format}
+    with copied.copy(), desk.Brindle(settings):
+        desk.wait_for(copied.is_on_clipboard)
+        desk.press(desk.HOTKEY)
+        if not desk.wait_for(lambda: not copied.is_on_clipboard()):
+            raise Failure("no link came onto the clipboard")
+        restored = desk.wait_for(copied.is_on_clipboard)
+        held = desk.Keymap().held()
+    return "yes" if restored and not held else f"clipboard {restored}, held keys {held}"
+
+
+def paste_only(row, application):
+    """Copies one flavour of Brindle's link and pastes that."""
+    copied = desk.Copied(row.copied)
+    with copied.copy(), desk.Brindle({**SETTINGS, "pasteFormat": row.format}) as brindle:
+        desk.wait_for(copied.is_on_clipboard)
+        brindle.call("enrich-only")
+        if not desk.wait_for(lambda: desk.flavour("text/rtf")):
+            raise Failure("no link came onto the clipboard")
+        data = desk.flavour(row.only)
+    alone = desk.Copied.alone(row.only, data)
+    with alone.copy():
+        desk.wait_for(alone.is_on_clipboard)
+        desk.press("ctrl+v")
+        type_and_save(application, "z", 20)
+    return "yes"
+
+
+def run(row, folder):
     """Drives one row: the columns as they are."""
     application = row.application
-    copied = desk.Copied(FORMATS[row.format][0])
-    with application.start(desk.HOME / f"application{number}"):
+    with application.start(folder):
         type_and_save(application, "q", 90)
-        settings = {**SETTINGS, "pasteFormat": row.format, "accountPasteFormat": row.format}
-        with copied.copy(), desk.Brindle(settings):
-            desk.wait_for(copied.is_on_clipboard)
-            desk.press(desk.HOTKEY)
-            if not desk.wait_for(lambda: not copied.is_on_clipboard()):
-                raise Failure("no link came onto the clipboard")
-            restored = desk.wait_for(copied.is_on_clipboard)
-            held = desk.Keymap().held()
+        restored = paste_only(row, application) if row.only else paste_by_hotkey(row)
         type_and_save(application, "z", 20)
-        columns = judged(application.content())
-    columns["restored"] = "yes" if restored and not held else f"no {held or ''}"
-    return columns
+        return {**judged(application.content()), "restored": restored}
 
 
-def shown(row, columns):
-    cells = [row.application.name, version(row.application.package), row.format]
-    differences = []
-    for name, expected in {**row.expected, "restored": "yes"}.items():
-        same = columns.get(name) == expected
-        cells.append("ok" if same and expected not in ("-", "yes", "plain") else columns.get(name, "?"))
-        if not same:
-            differences.append(f"{name}: {columns.get(name, '?')!r} instead of {expected!r}")
-    return cells, differences
+COLUMNS = ("link", "text", "bold", "italic", "typed after", "restored")
+WIDTHS = (20, 16, 10, 5, 5, 5, 7, 12, 8)
+
+
+def show(*cells):
+    padded = (cell.ljust(width) for cell, width in zip(cells, WIDTHS, strict=True))
+    print("| " + " | ".join(padded) + " |", flush=True)
+
+
+def cell(name, value, expected):
+    if value != expected:
+        return "no"
+    return "ok" if name in ("link", "text", "bold", "italic") and expected != "-" else expected
+
+
+def report(row, folder):
+    """Drives a row and prints it; whether it is as expected."""
+    expected = {**row.expected, "restored": "yes"}
+    head = [row.application.name, version(row.application.package), row.only or row.format]
+    try:
+        values = run(row, folder)
+    except Failure as failure:
+        show(*head, *("?" for _ in COLUMNS))
+        print(f"    {failure}", flush=True)
+        said = (desk.HOME / "log/application.log").read_text(errors="replace")
+        print("    " + "\n    ".join(said.splitlines()[-5:]), flush=True)
+        return False
+    show(*head, *(cell(name, values[name], expected[name]) for name in COLUMNS))
+    differing = [name for name in COLUMNS if values[name] != expected[name]]
+    for name in differing:
+        print(f"    {name}: {values[name]!r} instead of {expected[name]!r}", flush=True)
+    return not differing
 
 
 def main():
     for account in ("jira-api-token", "confluence-api-token"):
         desk.store_token(account)
+    names = [name.lower() for name in sys.argv[1:]]
     chosen = [
-        row for row in rows()
-        if not sys.argv[1:] or any(name.lower() in row.application.name.lower() for name in sys.argv[1:])
+        row
+        for row in rows()
+        if not names or any(name in row.application.name.lower() for name in names)
     ]
-    failed = False
-    for number, row in enumerate(chosen):
-        try:
-            columns = run(row, number)
-            cells, differences = shown(row, columns)
-        except Failure as failure:
-            cells, differences = [row.application.name, "", row.format], [str(failure)]
-        failed = failed or bool(differences)
-        print(" | ".join(cells), flush=True)
-        for difference in differences:
-            print("    " + difference, flush=True)
-    return 1 if failed or not chosen else 0
+    show("application", "version", "format", *COLUMNS)
+    show(*("-" * width for width in WIDTHS))
+    as_expected = [
+        report(row, desk.HOME / f"application{number}") for number, row in enumerate(chosen)
+    ]
+    print(f"{sum(as_expected)} of {len(as_expected)} as expected")
+    return 0 if chosen and all(as_expected) else 1
 
 
 sys.exit(main())

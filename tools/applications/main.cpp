@@ -9,6 +9,20 @@
 
 #include <cstdio>
 
+namespace {
+
+QString target(const char *key) {
+    const QString path = "/ex/jira/c-1/rest/api/3/issue/%1?fields=summary,issuetype,status";
+    return path.arg(QString(key));
+}
+
+GatewayReply issue(const QByteArray &summary) {
+    return {.body = R"({"fields":{"summary":")" + summary +
+                    R"(","issuetype":{"name":"Bug"},"status":{"name":"Done"}}})"};
+}
+
+} // namespace
+
 int main(int argc, char **argv) {
     const QCoreApplication application(argc, argv);
     const QStringList command = QCoreApplication::arguments().mid(1);
@@ -25,9 +39,8 @@ int main(int argc, char **argv) {
         }
     }
     gateway.replies = {{"/_edge/tenant_info", {.body = R"({"cloudId":"c-1"})"}},
-                       {"/ex/jira/c-1/rest/api/3/issue/ABC-1?fields=summary,issuetype,status",
-                        {.body = R"({"fields":{"summary":"é — 🐞 <b> &",)"
-                                 R"("issuetype":{"name":"Bug"},"status":{"name":"Done"}}})"}}};
+                       {target("ABC-1"), issue("é — 🐞 <b> &")},
+                       {target("ABC-2"), issue("Crash")}};
     QProcessEnvironment environment = desktop.environment();
     environment.insert("BRINDLE", BRINDLE_ON_STAGE_PROGRAM);
     environment.insert("CLIPBOARD_OWNER", CLIPBOARD_OWNER_PROGRAM);

@@ -75,6 +75,30 @@ def odf(data):
     return [run for run in runs if run.text]
 
 
+def abiword(data):
+    """The runs of a document of AbiWord's own format."""
+    runs = []
+
+    def walk(element, link, bold, italic):
+        name = _local(element.tag)
+        if name == "a":
+            link = _attribute(element, "href")
+        properties = _attribute(element, "props")
+        if "font-weight:" in properties:
+            bold = "font-weight:bold" in properties
+        if "font-style:" in properties:
+            italic = "font-style:italic" in properties
+        runs.append(Run(element.text or "", link, bold, italic))
+        for child in element:
+            walk(child, link, bold, italic)
+            runs.append(Run(child.tail or "", link, bold, italic))
+
+    for section in ElementTree.fromstring(data).iter():
+        if _local(section.tag) == "section":
+            walk(section, "", False, False)
+    return [run for run in runs if run.text]
+
+
 class _Html(HTMLParser):
     def __init__(self):
         super().__init__()
