@@ -95,7 +95,8 @@ class GnomeTerminal(Terminal):
 
     SCRIPT = """#!/bin/sh
 /usr/libexec/gnome-terminal-server &
-until gnome-terminal --wait -- %s; do sleep 0.1; done
+gdbus wait --session --timeout 60 org.gnome.Terminal
+exec gnome-terminal --wait -- %s
 """
 
     def command(self):
@@ -116,23 +117,20 @@ class Writer(Application):
         "<value>false</value></prop></item>\n"
     )
     DOCUMENT = (
-        '<?xml version="1.0" encoding="UTF-8"?>\n<office:document xmlns:office="urn:oasis:names:tc:opendocument:xmlns:office:1.0"'
+        '<?xml version="1.0" encoding="UTF-8"?>\n<office:document'
+        ' xmlns:office="urn:oasis:names:tc:opendocument:xmlns:office:1.0"'
         ' xmlns:text="urn:oasis:names:tc:opendocument:xmlns:text:1.0" office:version="1.2"'
         ' office:mimetype="application/vnd.oasis.opendocument.text">'
         "<office:body><office:text><text:p/></office:text></office:body></office:document>"
     )
 
-    def options(self):
-        items = [("Office.Common/Misc", "ShowTipOfTheDay"), ("Office.Common/Save/Document", "WarnAlienFormat")]
-        self.file(
-            "profile/user/registrymodifications.xcu",
-            self.SETTINGS % "".join(self.ITEM % item for item in items),
-        )
-        return ["soffice", "--norestore", "--nologo", f"-env:UserInstallation=file://{self.folder}/profile"]
-
     def command(self):
         self.path = self.file("letter.fodt", self.DOCUMENT)
-        return [*self.options(), "--writer", str(self.path)]
+        items = [self.ITEM % ("Office.Common/Misc", "ShowTipOfTheDay")]
+        items.append(self.ITEM % ("Office.Common/Save/Document", "WarnAlienFormat"))
+        self.file("profile/user/registrymodifications.xcu", self.SETTINGS % "".join(items))
+        profile = f"-env:UserInstallation=file://{self.folder}/profile"
+        return ["soffice", "--norestore", "--nologo", profile, "--writer", str(self.path)]
 
     def is_in_front(self):
         return "letter" in desk.front_title()
@@ -145,8 +143,11 @@ class Writer(Application):
 
 
 class AbiWord(Application):
+    """Another word processor, which takes RTF."""
+
     def command(self):
-        self.path = self.file("letter.abw", '<?xml version="1.0"?>\n<abiword><section><p></p></section></abiword>\n')
+        document = "<abiword><section><p></p></section></abiword>\n"
+        self.path = self.file("letter.abw", '<?xml version="1.0"?>\n' + document)
         return ["abiword", str(self.path)]
 
     def is_in_front(self):
@@ -186,11 +187,13 @@ class Chromium(Browser):
         switches += " --disable-background-networking --disable-component-update --disable-sync"
         switches += " --disable-dev-shm-usage --password-store=basic --ozone-platform=x11"
         switches += " --proxy-server=127.0.0.1:9"
-        return ["chromium", *switches.split(), f"--user-data-dir={self.folder}/profile", self.page()]
+        switches += f" --user-data-dir={self.folder}/profile"
+        return ["chromium", *switches.split(), self.page()]
 
 
 def _preferences(values):
-    return "".join(f'user_pref("{name}", {json.dumps(value)});\n' for name, value in values.items())
+    lines = (f'user_pref("{name}", {json.dumps(value)});\n' for name, value in values.items())
+    return "".join(lines)
 
 
 # No page of welcome, no notice, and no way to the network.
@@ -253,7 +256,8 @@ class Thunderbird(Application):
     def command(self):
         self.file("profile/user.js", _preferences({**QUIET, **self.ACCOUNT}))
         message = "to='bob@h.example',subject='letter',format='html'"
-        return ["thunderbird", "--new-instance", "--profile", f"{self.folder}/profile", "-compose", message]
+        profile = f"{self.folder}/profile"
+        return ["thunderbird", "--new-instance", "--profile", profile, "-compose", message]
 
     def is_in_front(self):
         return desk.front_title().startswith("Write: letter")

@@ -19,6 +19,16 @@ def wait_for(condition, seconds=30.0):
     return value
 
 
+class Failure(Exception):
+    """Something that had to happen and did not."""
+
+
+def require(condition, otherwise):
+    """Waits until `condition` holds; a failure with that text when it does not."""
+    if not wait_for(condition):
+        raise Failure(otherwise)
+
+
 def output(*command):
     """What a command prints; empty when it fails."""
     return subprocess.run(
@@ -113,12 +123,15 @@ class Copied:
         return copied
 
     def copy(self):
+        """The program that has copied it, once it is on the clipboard."""
         options = []
         for name, data in self.flavours.items():
             file = HOME / "tmp" / name.replace("/", "-")
             file.write_bytes(data)
             options.append(f"--flavour={name}=@{file}")
-        return Running([os.environ["CLIPBOARD_OWNER"], *options], "copied.log")
+        owner = Running([os.environ["CLIPBOARD_OWNER"], *options], "copied.log")
+        require(self.is_on_clipboard, "nothing can be copied")
+        return owner
 
     def is_on_clipboard(self):
         return all(flavour(name) == data for name, data in self.flavours.items())
@@ -133,8 +146,7 @@ class Brindle(Running):
         file.write_text("\n".join(["[General]", *lines, ""]), encoding="utf-8")
         gateway = [os.environ["GATEWAY_PORT"], os.environ["GATEWAY_CERTIFICATE"]]
         super().__init__([os.environ["BRINDLE"], *gateway], "brindle.log")
-        if not wait_for(lambda: self.call("none")):
-            raise RuntimeError("Brindle does not come up")
+        require(lambda: self.call("none"), "Brindle does not come up")
 
     def call(self, action):
         """Calls an action over the bus; whether there was an answer."""

@@ -49,7 +49,7 @@ class Row:
 
 
 def rich(application, copied=ENDS_BOLD, after="plain", only=""):
-    """A row with everything of a rich link kept."""
+    """A row with everything of a rich link kept; `after` is how the next letter looks."""
     expected = {"link": copied, "text": TITLES[copied], "italic": "BUG", "typed after": after}
     expected["bold"] = "ABC-1&" if copied == ENDS_BOLD else "ABC-2"
     return Row(application, "richLink", copied, expected, only)
@@ -105,7 +105,7 @@ def rows():
         *(
             plain(terminal, format)
             for terminal in (gnome, xfce, lxterminal, konsole, told)
-            for format in ("plainText", "markdown", "urlOnly")
+            for format in ("richLink", "plainText", "markdown", "urlOnly")
         ),
         plain(xterm, "plainText", text="-"),
     ]
@@ -129,7 +129,7 @@ def judged(runs):
     """The columns of a row. The runs are what was pasted, after the probes "q" and before "z"."""
     whole = "".join(run.text for run in runs)
     start = re.match(r"[q\s]*", whole).end()
-    end = whole.rindex("z") if "z" in whole else len(whole)
+    end = re.search(r"z*\s*$", whole).start()
     pasted, after, place = [], "-", 0
     for run in runs:
         text = run.text[max(0, start - place) : max(0, end - place)]
@@ -147,10 +147,6 @@ def judged(runs):
     }
 
 
-class Failure(Exception):
-    """A row that could not be driven to its end."""
-
-
 def holds(application, letter):
     return any(letter in run.text for run in application.content())
 
@@ -166,7 +162,7 @@ def type_and_save(application, letter, seconds):
                 return
         else:
             time.sleep(0.1)
-    raise Failure(f"{letter} is not held; in front is {desk.front_title()!r}")
+    raise desk.Failure(f"{letter} is not held; in front is {desk.front_title()!r}")
 
 
 def paste_by_hotkey(row):
@@ -174,40 +170,33 @@ def paste_by_hotkey(row):
     copied = desk.Copied(row.copied)
     settings = {**SETTINGS, "pasteFormat": row.format, "accountPasteFormat": row.format}
     with copied.copy(), desk.Brindle(settings):
-        desk.wait_for(copied.is_on_clipboard)
         desk.press(desk.HOTKEY)
-        if not desk.wait_for(lambda: not copied.is_on_clipboard()):
-            raise Failure("no link came onto the clipboard")
+        desk.require(lambda: not copied.is_on_clipboard(), "no link came onto the clipboard")
         restored = desk.wait_for(copied.is_on_clipboard)
         held = desk.Keymap().held()
+    type_and_save(row.application, "z", 20)
     return "yes" if restored and not held else f"clipboard {restored}, held keys {held}"
 
 
-def paste_only(row, application):
-    """Copies one flavour of Brindle's link and pastes that."""
-    copied = desk.Copied(row.copied)
-    with copied.copy(), desk.Brindle({**SETTINGS, "pasteFormat": row.format}) as brindle:
-        desk.wait_for(copied.is_on_clipboard)
+def paste_alone(row):
+    """Has Brindle make the link, copies one flavour of it alone and pastes that."""
+    settings = {**SETTINGS, "pasteFormat": row.format}
+    with desk.Copied(row.copied).copy(), desk.Brindle(settings) as brindle:
         brindle.call("enrich-only")
-        if not desk.wait_for(lambda: desk.flavour("text/rtf")):
-            raise Failure("no link came onto the clipboard")
+        desk.require(lambda: desk.flavour("text/rtf"), "no link came onto the clipboard")
         data = desk.flavour(row.only)
-    alone = desk.Copied.alone(row.only, data)
-    with alone.copy():
-        desk.wait_for(alone.is_on_clipboard)
+    with desk.Copied.alone(row.only, data).copy():
         desk.press("ctrl+v")
-        type_and_save(application, "z", 20)
-    return "yes"
+        type_and_save(row.application, "z", 20)
+    return "-"
 
 
 def run(row, folder):
     """Drives one row: the columns as they are."""
-    application = row.application
-    with application.start(folder):
-        type_and_save(application, "q", 90)
-        restored = paste_only(row, application) if row.only else paste_by_hotkey(row)
-        type_and_save(application, "z", 20)
-        return {**judged(application.content()), "restored": restored}
+    with row.application.start(folder):
+        type_and_save(row.application, "q", 90)
+        restored = paste_alone(row) if row.only else paste_by_hotkey(row)
+        return {**judged(row.application.content()), "restored": restored}
 
 
 COLUMNS = ("link", "text", "bold", "italic", "typed after", "restored")
@@ -227,11 +216,11 @@ def cell(name, value, expected):
 
 def report(row, folder):
     """Drives a row and prints it; whether it is as expected."""
-    expected = {**row.expected, "restored": "yes"}
+    expected = {**row.expected, "restored": "-" if row.only else "yes"}
     head = [row.application.name, version(row.application.package), row.only or row.format]
     try:
         values = run(row, folder)
-    except Failure as failure:
+    except (desk.Failure, ValueError) as failure:
         show(*head, *("?" for _ in COLUMNS))
         print(f"    {failure}", flush=True)
         said = (desk.HOME / "log/application.log").read_text(errors="replace")

@@ -1,9 +1,9 @@
-"""What documents hold: lists of runs, each a text with its link and whether it is bold or italic."""
+"""What documents hold: runs of text, each with its link and whether it is bold or italic."""
 
 import email
 import email.policy
 import re
-from dataclasses import dataclass
+from dataclasses import dataclass, replace
 from html.parser import HTMLParser
 from xml.etree import ElementTree
 
@@ -44,58 +44,54 @@ class _OdfStyles:
         return ""
 
 
+def _walk(element, styled, run, runs):
+    """Appends the runs of an element, which `styled` derives from the run around it."""
+    run = styled(element, run)
+    runs.append(replace(run, text=run.text + (element.text or "")))
+    around = replace(run, text="")
+    for child in element:
+        _walk(child, styled, around, runs)
+        runs.append(replace(around, text=child.tail or ""))
+
+
 def odf(data):
     """The runs of a flat text document, one paragraph after the other."""
     root = ElementTree.fromstring(data)
     styles = _OdfStyles(root)
-    runs = []
+    blanks = {"s": " ", "tab": "\t", "line-break": "\n"}
 
-    def walk(element, link, bold, italic):
+    def styled(element, run):
         name = _local(element.tag)
-        if name == "a":
-            link = _attribute(element, "href")
-        if name in ("p", "h", "span", "a"):
-            style = _attribute(element, "style-name")
-            if weight := styles.value(style, "font-weight"):
-                bold = weight == "bold"
-            if posture := styles.value(style, "font-style"):
-                italic = posture == "italic"
-        blank = {"s": " ", "tab": "\t", "line-break": "\n"}.get(name, "")
-        runs.append(Run(blank + (element.text or ""), link, bold, italic))
-        for child in element:
-            if _local(child.tag) not in ("annotation", "sequence-decls"):
-                walk(child, link, bold, italic)
-            runs.append(Run(child.tail or "", link, bold, italic))
+        count = int(_attribute(element, "c") or 1) if name == "s" else 1
+        style = _attribute(element, "style-name")
+        return Run(
+            blanks.get(name, "") * count,
+            _attribute(element, "href") if name == "a" else run.link,
+            (styles.value(style, "font-weight") or ("bold" if run.bold else "")) == "bold",
+            (styles.value(style, "font-style") or ("italic" if run.italic else "")) == "italic",
+        )
 
-    for body in root.iter():
-        if _local(body.tag) == "text" and body.tag.startswith("{urn:oasis:names:tc:opendocument:xmlns:office"):
-            for paragraph in body:
-                if _local(paragraph.tag) in ("p", "h"):
-                    walk(paragraph, "", False, False)
+    runs = []
+    for paragraph in root.iter():
+        if _local(paragraph.tag) == "p":
+            _walk(paragraph, styled, Run(""), runs)
     return [run for run in runs if run.text]
 
 
 def abiword(data):
     """The runs of a document of AbiWord's own format."""
+
+    def styled(element, run):
+        link = _attribute(element, "href") if _local(element.tag) == "a" else run.link
+        style = _attribute(element, "props").replace(" ", "")
+        bold = "font-weight:bold" in style or ("font-weight:" not in style and run.bold)
+        italic = "font-style:italic" in style or ("font-style:" not in style and run.italic)
+        return Run("", link, bold, italic)
+
     runs = []
-
-    def walk(element, link, bold, italic):
-        name = _local(element.tag)
-        if name == "a":
-            link = _attribute(element, "href")
-        properties = _attribute(element, "props")
-        if "font-weight:" in properties:
-            bold = "font-weight:bold" in properties
-        if "font-style:" in properties:
-            italic = "font-style:italic" in properties
-        runs.append(Run(element.text or "", link, bold, italic))
-        for child in element:
-            walk(child, link, bold, italic)
-            runs.append(Run(child.tail or "", link, bold, italic))
-
-    for section in ElementTree.fromstring(data).iter():
-        if _local(section.tag) == "section":
-            walk(section, "", False, False)
+    for element in ElementTree.fromstring(data).iter():
+        if _local(element.tag) == "p":
+            _walk(element, styled, Run(""), runs)
     return [run for run in runs if run.text]
 
 
