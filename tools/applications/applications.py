@@ -1,7 +1,6 @@
 """The applications that are pasted into: how each is started, told to save, and read."""
 
 import json
-import os
 import re
 from pathlib import Path
 from xml.etree import ElementTree
@@ -143,7 +142,7 @@ class Writer(Application):
 
 
 class AbiWord(Application):
-    """Another word processor, which takes RTF."""
+    """Another word processor."""
 
     def command(self):
         document = "<abiword><section><p></p></section></abiword>\n"
@@ -173,10 +172,9 @@ class Browser(Application):
         return "runs:" in desk.front_title()
 
     def content(self):
-        start = desk.front_title().find("runs:")
-        if start < 0:
+        _, mark, told = desk.front_title().partition("runs:")
+        if not mark:
             return []
-        told = desk.front_title()[start + len("runs:") :]
         (links, runs), _ = json.JSONDecoder().raw_decode(told)
         return [reading.Run(text, links[link], *map(bool, style)) for text, link, *style in runs]
 
