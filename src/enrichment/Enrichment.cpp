@@ -32,9 +32,12 @@ void setFetching(bool fetching) {
         app->setIsFetching(fetching);
 }
 
+/// From the question to the keyring until its answer is looked at; a fetch may follow. Main thread.
+bool isAskingForToken = false;
+
 bool isBusy() {
     const AppDelegate *app = AppDelegate::shared();
-    if (app && app->isFetching()) {
+    if (isAskingForToken || (app && app->isFetching())) {
         log(QStringLiteral("enrich: a fetch is already in flight — ignoring re-trigger"));
         return true;
     }
@@ -65,30 +68,59 @@ bool mayPaste(bool pasteAfter) {
     return false;
 }
 
-/// The e-mail address and token to fetch with.
-struct Credentials {
-    QString email;
-    QString token;
+/// A title to be fetched: what it needs from the keyring and how it is asked for.
+struct Fetch {
+    QString account; ///< whose token
+    QString product;
+    QString tokenMessage; ///< for the user without one
+    /// On a background thread.
+    std::function<void(const QString &email, const QString &token)> send;
 };
 
-/// The credentials for `account`, or nothing after telling the user what is missing.
-std::optional<Credentials> credentials(const QString &account, const QString &product,
-                                       const QString &tokenMessage) {
+/// The user may take half a minute to unlock the keyring, so it is asked in the background.
+void askForToken(const QString &account, std::function<void(const QString &token)> answered) {
+    isAskingForToken = true;
+    Platform::current().dispatch->toBackground([account, answered = std::move(answered)] {
+        const QString token = Keychain::loadToken(account).value_or(QString());
+        Platform::current().dispatch->toMain([token, answered] {
+            isAskingForToken = false;
+            answered(token);
+        });
+    });
+}
+
+/// Sends the fetch unless something is missing, which the user is told.
+void begin(const Fetch &fetch, bool pasteAfter) {
     const QString email = Settings::shared().email();
     if (email.isEmpty()) {
         log(QStringLiteral("enrich: no email configured"));
         tell(QStringLiteral("Email not set. Open Preferences."));
         openPreferences();
-        return std::nullopt;
+        return;
     }
-    const QString token = Keychain::loadToken(account).value_or(QString());
-    if (token.isEmpty()) {
-        log(QStringLiteral("enrich: no %1 token configured").arg(product));
-        tell(tokenMessage);
-        openPreferences();
-        return std::nullopt;
-    }
-    return Credentials{email, token};
+    Platform::current().urlSession->warmUp();
+    askForToken(fetch.account, [fetch, email, pasteAfter](const QString &token) {
+        if (token.isEmpty()) {
+            log(QStringLiteral("enrich: no %1 token configured").arg(fetch.product));
+            tell(fetch.tokenMessage);
+            openPreferences();
+            return;
+        }
+        if (!mayPaste(pasteAfter))
+            return;
+        Platform::current().dispatch->toBackground(
+            [fetch, email, token] { fetch.send(email, token); });
+        // The request is under way while the icon is drawn.
+        setFetching(true);
+    });
+}
+
+/// A completion for any thread that has `finish` run on the main one.
+template <class Finish>
+auto onMain(Finish finish) {
+    return [finish](const auto &result) {
+        Platform::current().dispatch->toMain([finish, result] { finish(result); });
+    };
 }
 
 /// The steps that all three kinds share once the display text is known.
@@ -102,12 +134,17 @@ void deliverLink(const QString &displayText, const QString &url, const QString &
     Enrichment::deliverPaste(plain, pasteAfter);
 }
 
+void tellFailure(const QString &what, const std::optional<QString> &error,
+                 const QString &withoutReason) {
+    log(QStringLiteral("%1 (%2)").arg(what, error.value_or(QStringLiteral("unknown"))));
+    tell(error.value_or(withoutReason));
+}
+
 void finishJira(const JiraClient::FetchResult &result, const JiraRef &ref, bool pasteAfter) {
     setFetching(false);
     if (!result.summary) {
-        log(QStringLiteral("enrich: fetch failed (%1)")
-                .arg(result.error.value_or(QStringLiteral("unknown"))));
-        tell(result.error.value_or(QStringLiteral("Failed to fetch ") + ref.key));
+        tellFailure(QStringLiteral("enrich: fetch failed"), result.error,
+                    QStringLiteral("Failed to fetch ") + ref.key);
         return;
     }
     const QString text = Enrichment::renderTemplate(
@@ -118,29 +155,23 @@ void finishJira(const JiraClient::FetchResult &result, const JiraRef &ref, bool 
 
 void runJira(const JiraRef &ref, const QString &baseURL, bool pasteAfter) {
     log(QStringLiteral("enrich: detected Jira key ") + ref.key);
-    const auto access = credentials(AppInfo::keychainAccount(), QStringLiteral("Jira"),
-                                    QStringLiteral("Jira API token not set. Open Preferences."));
-    if (!access || !mayPaste(pasteAfter))
-        return;
-    setFetching(true);
-    Platform::current().dispatch->toBackground([ref, baseURL, access = *access, pasteAfter] {
-        JiraClient::fetchSummary(
-            ref.key, ref.commentId, baseURL, access.email, access.token,
-            [ref, pasteAfter](const JiraClient::FetchResult &result) {
-                Platform::current().dispatch->toMain(
-                    [result, ref, pasteAfter] { finishJira(result, ref, pasteAfter); });
-            });
-    });
+    const auto send = [ref, baseURL, pasteAfter](const QString &email, const QString &token) {
+        JiraClient::fetchSummary(ref.key, ref.commentId, baseURL, email, token,
+                                 onMain([ref, pasteAfter](const JiraClient::FetchResult &result) {
+                                     finishJira(result, ref, pasteAfter);
+                                 }));
+    };
+    begin({AppInfo::keychainAccount(), QStringLiteral("Jira"),
+           QStringLiteral("Jira API token not set. Open Preferences."), send},
+          pasteAfter);
 }
 
 void finishConfluence(const ConfluenceClient::ConfluenceFetchResult &result,
                       const ConfluenceRef &ref, bool pasteAfter) {
     setFetching(false);
     if (!result.title) {
-        log(QStringLiteral("enrich: confluence fetch failed (%1)")
-                .arg(result.error.value_or(QStringLiteral("unknown"))));
-        tell(
-            result.error.value_or(QStringLiteral("Failed to fetch Confluence page ") + ref.pageId));
+        tellFailure(QStringLiteral("enrich: confluence fetch failed"), result.error,
+                    QStringLiteral("Failed to fetch Confluence page ") + ref.pageId);
         return;
     }
     const QString text =
@@ -152,21 +183,17 @@ void finishConfluence(const ConfluenceClient::ConfluenceFetchResult &result,
 
 void runConfluence(const ConfluenceRef &ref, const QString &baseURL, bool pasteAfter) {
     log(QStringLiteral("enrich: detected Confluence page %1 in %2").arg(ref.pageId, ref.spaceKey));
-    const auto access =
-        credentials(AppInfo::keychainAccountConfluence(), QStringLiteral("Confluence"),
-                    QStringLiteral("Confluence API token not set. Add one in Preferences → "
-                                   "Connection."));
-    if (!access || !mayPaste(pasteAfter))
-        return;
-    setFetching(true);
-    Platform::current().dispatch->toBackground([ref, baseURL, access = *access, pasteAfter] {
+    const auto send = [ref, baseURL, pasteAfter](const QString &email, const QString &token) {
         ConfluenceClient::fetchPage(
-            ref.pageId, baseURL, access.email, access.token,
-            [ref, pasteAfter](const ConfluenceClient::ConfluenceFetchResult &result) {
-                Platform::current().dispatch->toMain(
-                    [result, ref, pasteAfter] { finishConfluence(result, ref, pasteAfter); });
-            });
-    });
+            ref.pageId, baseURL, email, token,
+            onMain([ref, pasteAfter](const ConfluenceClient::ConfluenceFetchResult &result) {
+                finishConfluence(result, ref, pasteAfter);
+            }));
+    };
+    begin({AppInfo::keychainAccountConfluence(), QStringLiteral("Confluence"),
+           QStringLiteral("Confluence API token not set. Add one in Preferences → Connection."),
+           send},
+          pasteAfter);
 }
 
 void runAccount(const AccountRef &ref, bool pasteAfter) {

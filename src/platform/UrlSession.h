@@ -47,6 +47,10 @@ public:
     /// Ends a request early; its completion gets a transport error. Harmless when it has ended.
     virtual void cancel(TaskId task) = 0;
 
+    /// Loads what the first request would have to wait for: a request may follow. Contacts nobody
+    /// and returns at once.
+    virtual void warmUp() = 0;
+
     /// Opens a connection to the host of `url`, to be ready for a request that is certain to come.
     /// Sends nothing.
     virtual void prepareConnection(const QUrl &url) = 0;

@@ -185,6 +185,7 @@ class FakeUrlSession : public UrlSession {
 public:
     TaskId start(const UrlRequest &request, Completion completion) override;
     void cancel(TaskId task) override { cancelled.append(task); }
+    void warmUp() override {}
     void prepareConnection(const QUrl &url) override { prepared.append(url.toString()); }
 
     /// By URL; a URL that is not in it is never answered.

@@ -3,6 +3,7 @@
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
 #include <QSslConfiguration>
+#include <QSslSocket>
 #include <QTimer>
 
 namespace {
@@ -191,6 +192,15 @@ void QtUrlSession::cancel(TaskId task) {
     onThread([this, task] {
         if (Task *running = m_tasks.value(task))
             running->fail(QStringLiteral("The request was cancelled."));
+    });
+}
+
+void QtUrlSession::warmUp() {
+    if (m_isWarm.exchange(true))
+        return;
+    onThread([this] {
+        manager();
+        QSslSocket::supportsSsl(); // loads the TLS library and its certificates
     });
 }
 

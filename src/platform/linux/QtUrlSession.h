@@ -20,6 +20,7 @@ public:
 
     TaskId start(const UrlRequest &request, Completion completion) override;
     void cancel(TaskId task) override;
+    void warmUp() override;
     void prepareConnection(const QUrl &url) override;
 
 protected:
@@ -38,4 +39,5 @@ private:
     std::unique_ptr<QNetworkAccessManager> m_manager;
     QHash<TaskId, Task *> m_tasks;
     std::atomic<TaskId> m_lastTask = 0;
+    std::atomic<bool> m_isWarm = false;
 };
