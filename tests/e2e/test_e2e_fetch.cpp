@@ -7,8 +7,10 @@
 #include "stage/VirtualKeyboard.h"
 #include "support/NotificationLog.h"
 
+#include <QDBusConnectionInterface>
 #include <QTest>
 
+#include <csignal>
 #include <linux/input-event-codes.h>
 
 namespace {
@@ -158,6 +160,31 @@ private Q_SLOTS:
         QVERIFY(owner.ownsClipboard());
         QCOMPARE(scene.target->pasteCount(), 0);
         QVERIFY(scene.brindle->isUp());
+    }
+
+    void keyringThatDoesNotAnswerHoldsUpTheFetchAlone() {
+        Scene scene({});
+        QVERIFY(scene.isUp());
+        const ClipboardOwner owner(scene.desktop, copied(issue));
+        const auto keyring = static_cast<pid_t>(
+            scene.desktop.bus().interface()->servicePid("org.freedesktop.secrets").value());
+        QCOMPARE(kill(keyring, SIGSTOP), 0);
+        QVERIFY(scene.brindle->activate("enrich"));
+        QVERIFY(scene.brindle->activate("none"));
+        QVERIFY(owner.ownsClipboard());
+        QCOMPARE(kill(keyring, SIGCONT), 0);
+        QVERIFY(scene.target->waitForPaste());
+    }
+
+    void lockedKeyringThatNobodyUnlocksHoldsNoToken() {
+        Scene scene({});
+        QVERIFY(scene.isUp());
+        const ClipboardOwner owner(scene.desktop, copied(issue));
+        QVERIFY(lockKeyring(scene.desktop));
+        scene.press();
+        QVERIFY(scene.shown.waitForAccepted(1));
+        QCOMPARE(scene.shown.notifications()[0].body, "Jira API token not set. Open Preferences.");
+        QVERIFY(scene.gateway.requests.isEmpty());
     }
 
     void siteThatIsNoneIsTold() {

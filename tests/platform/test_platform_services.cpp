@@ -2,6 +2,7 @@
 #include "platform/linux/DBusNotifications.h"
 #include "platform/linux/SecretServiceStore.h"
 #include "stage/Actors.h"
+#include "stage/Keyring.h"
 #include "stage/VirtualDesktop.h"
 #include "support/NotificationLog.h"
 
@@ -64,6 +65,14 @@ private Q_SLOTS:
         QVERIFY(waitFor([] { return AccessibleFocus::isPasswordField(5s); }));
         QVERIFY(target.command("password off"));
         QVERIFY(waitFor([] { return !AccessibleFocus::isPasswordField(5s); }));
+    }
+
+    void lockedKeyringRefuses() {
+        SecretServiceStore store;
+        QVERIFY(store.add("s", "locked", "x"));
+        QVERIFY(lockKeyring(*m_desktop));
+        QVERIFY(!store.add("s", "locked", "y"));
+        QVERIFY(!store.copy("s", "locked"));
     }
 
     // Last: the bus goes away with the desktop.
