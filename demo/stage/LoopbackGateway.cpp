@@ -73,10 +73,10 @@ void LoopbackGateway::read(QSslSocket *socket, int connection, QByteArray &unrea
             replies.value(request.target, GatewayReply{.status = 404, .body = "{}"});
         QElapsedTimer asked;
         asked.start();
-        QTimer::singleShot(reply.delay, socket, [this, socket, reply, asked] {
+        QTimer::singleShot(reply.delay, Qt::PreciseTimer, socket, [this, socket, reply, asked] {
             answer(socket, reply);
             socket->flush();
-            answering += static_cast<double>(asked.nsecsElapsed()) / 1e6;
+            answering.append(static_cast<double>(asked.nsecsElapsed()) / 1e6 - reply.delay);
         });
     }
 }

@@ -52,9 +52,9 @@ public:
     QHash<QString, GatewayReply> replies;
     QList<GatewayRequest> requests;
     int connections = 0;
-    /// The milliseconds that all answers so far took, each from the end of its request until the
-    /// socket had taken it.
-    double answering = 0;
+    /// The milliseconds that each answer took, oldest first, from the end of its request until the
+    /// socket had taken it, without its delay.
+    QList<double> answering;
 
 private:
     void makeCertificate(const QStringList &names);

@@ -16,13 +16,6 @@ namespace {
 
 constexpr qsizetype snippetWords = 7;
 
-const QRegularExpression &commentBlockRegex() {
-    static const QRegularExpression pattern(u"<c>(.*?)</c>"_s,
-                                            QRegularExpression::DotMatchesEverythingOption |
-                                                QRegularExpression::UseUnicodePropertiesOption);
-    return pattern;
-}
-
 const QRegularExpression &multiSpaceRegex() {
     static const QRegularExpression pattern(u"[ ]{2,}"_s);
     return pattern;
@@ -45,12 +38,22 @@ void replaceEach(QString &text, QLatin1StringView token, const QString &value) {
         text.replace(token, value);
 }
 
-/// Shows or drops the comment-only blocks; the tags of an unpaired one just vanish.
+/// Shows or drops the comment-only blocks, each up to the first tag that closes it; the tags of an
+/// unpaired one just vanish.
 void resolveCommentBlocks(QString &text, bool isComment) {
-    if (text.contains("<c>"_L1))
-        text.replace(commentBlockRegex(), isComment ? u"\\1"_s : QString());
-    replaceEach(text, "<c>"_L1, QString());
-    replaceEach(text, "</c>"_L1, QString());
+    constexpr QLatin1StringView opening = "<c>"_L1, closing = "</c>"_L1;
+    for (qsizetype open = text.indexOf(opening); open >= 0;) {
+        const qsizetype close = text.indexOf(closing, open + opening.size());
+        if (close < 0)
+            break;
+        if (isComment)
+            text.remove(close, closing.size()).remove(open, opening.size());
+        else
+            text.remove(open, close + closing.size() - open);
+        open = text.indexOf(opening, isComment ? close - opening.size() : open);
+    }
+    replaceEach(text, opening, QString());
+    replaceEach(text, closing, QString());
 }
 
 /// A value that holds a placeholder further down has it filled in too, so the order is part of the

@@ -121,8 +121,6 @@ private Q_SLOTS:
             "enrich: no Jira, Confluence, or ID reference found on the clipboard";
         row("white space only", " \n\t ", {}, {"enrich: clipboard empty or not text"},
             "Clipboard is empty or not text.");
-        row("image only", record, "text", {"enrich: clipboard empty or not text"},
-            "Clipboard is empty or not text.");
         row("no owner", record, "owner", {"enrich: clipboard empty or not text"},
             "Clipboard is empty or not text.");
         row("no reference", "hello", {}, {nothing},
@@ -137,12 +135,9 @@ private Q_SLOTS:
             {jira, "enrich: no Jira token configured"}, "Jira API token not set. Open Preferences.",
             1);
         row("issue without trust", issue, "trust", {jira, untrusted}, {});
-        row("page without e-mail", page, "email", {confluence, "enrich: no email configured"},
-            "Email not set. Open Preferences.", 1);
         row("page without token", page, "token",
             {confluence, "enrich: no Confluence token configured"},
             "Confluence API token not set. Add one in Preferences → Connection.", 1);
-        row("page without trust", page, "trust", {confluence, untrusted}, {});
         row("record without trust", record, "trust", {"enrich: detected ID 507f1f…", untrusted},
             {});
     }
@@ -153,8 +148,6 @@ private Q_SLOTS:
         QFETCH(QStringList, log);
         QFETCH(QString, message);
         Scene scene(copied);
-        if (missing == "text")
-            scene.pasteboard->copy({{{"image", "", "png"}}});
         if (missing == "owner")
             scene.pasteboard->contents.reset();
         if (missing == "site")
