@@ -12,6 +12,8 @@
 
 #include <memory>
 
+#include <sys/socket.h>
+
 using namespace Qt::StringLiterals;
 
 LoopbackGateway::LoopbackGateway(const QStringList &names) {
@@ -89,6 +91,11 @@ void LoopbackGateway::answer(QSslSocket *socket, const GatewayReply &reply) {
         socket->abort();
         return;
     }
+    if (reply.manner == Manner::Babble) {
+        socket->write(QByteArray("\0\xff what?\r\n", 11).repeated(100));
+        socket->disconnectFromHost();
+        return;
+    }
     const bool isDrip = reply.manner == Manner::Drip;
     QByteArray head = "HTTP/1.1 " + QByteArray::number(reply.status) + " X\r\n";
     head += "Content-Type: application/json\r\n";
@@ -105,5 +112,18 @@ void LoopbackGateway::answer(QSslSocket *socket, const GatewayReply &reply) {
     const bool isWhole = reply.manner == Manner::Whole;
     socket->write(isWhole ? reply.body : reply.body.left(reply.body.size() / 2));
     if (!isWhole)
+        breakOff(socket, reply.manner);
+}
+
+void LoopbackGateway::breakOff(QSslSocket *socket, GatewayReply::Manner manner) {
+    if (manner == GatewayReply::Manner::Truncated)
         socket->disconnectFromHost();
+    if (manner != GatewayReply::Manner::Reset)
+        return;
+    // Closed with time for nothing, the system resets the connection.
+    const linger none{1, 0};
+    setsockopt(static_cast<int>(socket->socketDescriptor()), SOL_SOCKET, SO_LINGER, &none,
+               sizeof none);
+    socket->waitForBytesWritten(1000);
+    socket->abort();
 }

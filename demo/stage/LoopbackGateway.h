@@ -20,9 +20,12 @@ struct GatewayReply {
     enum class Manner {
         Whole,
         Truncated, ///< announces the whole body, sends half of it and closes
+        Stalled,   ///< announces the whole body, sends half of it and no more
         Drip,      ///< sends a byte at a time without coming to an end
+        Babble,    ///< answers with what is no HTTP
         Silence,   ///< never answers
         Close,     ///< closes without an answer
+        Reset,     ///< announces the whole body, sends half of it and resets the connection
     };
 
     int status = 200;
@@ -61,6 +64,7 @@ private:
     void accept();
     void read(QSslSocket *socket, int connection, QByteArray &unread);
     void answer(QSslSocket *socket, const GatewayReply &reply);
+    static void breakOff(QSslSocket *socket, GatewayReply::Manner manner);
 
     QTemporaryDir m_folder;
     QString m_problem;
