@@ -1,6 +1,7 @@
 #include "platform/linux/SettingsFile.h"
 
 #include <QDir>
+#include <QElapsedTimer>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -134,6 +135,15 @@ private Q_SLOTS:
         QCOMPARE(contentOf(m_path), before);
         file.set("k", "newer");
         QCOMPARE(SettingsFile(m_path).string("k"), QString("newer"));
+    }
+
+    void lockOfAKilledProcessIsNotWaitedFor() {
+        write(m_path + ".lock", {});
+        QElapsedTimer timer;
+        timer.start();
+        SettingsFile(m_path).set("k", "v");
+        QVERIFY(timer.elapsed() < 15000); // else it is half a minute
+        QCOMPARE(SettingsFile(m_path).string("k"), QString("v"));
     }
 
 private:

@@ -112,10 +112,19 @@ void SettingsFile::save() {
                QFileInfo(copy).fileName());
         m_keepCopy = false;
     }
+    removeNamelessLock();
     m_file.sync();
     if (m_file.status() == QSettings::AccessError)
         report(QStringLiteral("the settings couldn't be saved to disk; they last until Brindle "
                               "quits"));
+}
+
+void SettingsFile::removeNamelessLock() const {
+    // A process killed in the middle of taking the lock leaves it without its name in it. For the
+    // lock of a dead process nobody waits, but for one of nobody the toolkit does, half a minute.
+    const QFileInfo lock(m_file.fileName() + QStringLiteral(".lock"));
+    if (lock.exists() && lock.size() == 0)
+        QFile::remove(lock.filePath());
 }
 
 void SettingsFile::onProblem(std::function<void(const QString &)> report) {

@@ -25,6 +25,7 @@ private:
     std::optional<QVariant> scalar(const QString &key) const;
     void load();
     void save();
+    void removeNamelessLock() const;
     void report(const QString &problem);
 
     QSettings m_file;
