@@ -135,7 +135,7 @@ void faultsOfTheGateway(Findings &findings) {
         scene.gateway.replies[commentTarget] = fault.reply;
         scene.pastes("comment " + fault.name, comment, "Title");
         scene.gateway.replies = goodReplies;
-        scene.pastes("comment again", comment, "Title Hm");
+        scene.pastes("comment again", comment, "Title “Hm”");
         scene.pastes("page again", page, "Plan");
     }
 }

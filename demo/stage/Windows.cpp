@@ -18,11 +18,12 @@ struct Window {
     QString title;
 };
 
-QList<Window> windows(XConnection &x) {
-    const QByteArray list = property(x, x.root(), "_NET_CLIENT_LIST");
-    const auto *ids = reinterpret_cast<const xcb_window_t *>(list.constData());
+/// The windows that a property of the root window lists.
+QList<Window> windows(XConnection &x, const QByteArray &list = "_NET_CLIENT_LIST") {
+    const QByteArray listed = property(x, x.root(), list);
+    const auto *ids = reinterpret_cast<const xcb_window_t *>(listed.constData());
     QList<Window> found;
-    for (qsizetype i = 0; i < list.size() / qsizetype{sizeof(xcb_window_t)}; ++i)
+    for (qsizetype i = 0; i < listed.size() / qsizetype{sizeof(xcb_window_t)}; ++i)
         found.append({ids[i], QString::fromUtf8(property(x, ids[i], "_NET_WM_NAME"))});
     return found;
 }
@@ -43,6 +44,12 @@ QStringList windowTitles(const QString &display) {
     for (const Window &window : windows(x))
         titles.append(window.title);
     return titles;
+}
+
+bool isActive(const QString &display, const QString &title) {
+    XConnection x(display);
+    const QList<Window> active = windows(x, "_NET_ACTIVE_WINDOW");
+    return !active.isEmpty() && active.first().title == title;
 }
 
 QRect windowPlace(const QString &display, const QString &title) {

@@ -6,6 +6,9 @@
 /// The titles of the windows that the window manager shows, in the order of their mapping.
 QStringList windowTitles(const QString &display);
 
+/// Whether the window with that title has the keyboard focus.
+bool isActive(const QString &display, const QString &title);
+
 /// Where on the screen the window with that title is to be seen, without its frame; empty if there
 /// is none.
 QRect windowPlace(const QString &display, const QString &title);
