@@ -5,11 +5,17 @@
 #include "model/AppInfo.h"
 
 #include <QApplication>
+#include <QSessionManager>
 
 void nameApplication() {
     QApplication::setApplicationName(AppInfo::bundleIdentifier());
     QApplication::setDesktopFileName(AppInfo::bundleIdentifier());
     QApplication::setQuitOnLastWindowClosed(false);
+    // Whether Brindle starts at login is chosen in the preferences. A restored session that brought
+    // it back as well would start it twice, and a second start opens the preferences.
+    QObject::connect(qApp, &QApplication::saveStateRequest, qApp, [](QSessionManager &session) {
+        session.setRestartHint(QSessionManager::RestartNever);
+    });
 }
 
 int runBrindle(Platform platform) {
