@@ -145,8 +145,6 @@ private Q_SLOTS:
         using Manner = GatewayReply::Manner;
         const QList<std::pair<GatewayReply, QString>> cases{
             {{.status = 404, .body = "{}"}, "Jira returned HTTP 404"},
-            {{.status = 401, .body = "{}"}, "Jira returned HTTP 401"},
-            {{.body = "[[["}, "Unable to parse Jira response"},
             {{.manner = Manner::Close}, "Network error: "},
             {{.manner = Manner::Silence}, "Network error: The request timed out."},
         };

@@ -59,28 +59,21 @@ private Q_SLOTS:
         QTest::addColumn<QString>("type");
         QTest::addColumn<QByteArray>("data");
         QTest::addColumn<QString>("text");
+        const auto row = [](const char *what, const QString &name, const QByteArray &data,
+                            const QString &text, const QString &type = {}) {
+            QTest::newRow(what) << name << type << data << text;
+        };
         const QString mixed = "é — 🐞 <b>";
-        QTest::newRow("UTF8_STRING") << "UTF8_STRING"
-                                     << "" << mixed.toUtf8() << mixed;
-        QTest::newRow("charset in other case") << "text/plain;charset=UTF-8"
-                                               << "" << mixed.toUtf8() << mixed;
-        QTest::newRow("STRING") << "STRING"
-                                << "" << QByteArray("caf\xe9") << "café";
-        QTest::newRow("TEXT that comes as STRING") << "TEXT"
-                                                   << "STRING" << QByteArray("caf\xe9") << "café";
-        QTest::newRow("end mark counted in") << "UTF8_STRING"
-                                             << "" << QByteArray("abc\0", 4) << "abc";
-        QTest::newRow("HTML, UTF-8") << "text/html"
-                                     << "" << mixed.toUtf8() << mixed;
-        QTest::newRow("HTML, UTF-16") << "text/html"
-                                      << "" << utf16("<a>" + mixed) << "<a>" + mixed;
-        QTest::newRow("HTML, UTF-16 with a mark") << "text/html"
-                                                  << ""
-                                                  << "\xff\xfe" + utf16(mixed) << mixed;
-        QTest::newRow("empty") << "UTF8_STRING"
-                               << "" << QByteArray() << "";
-        QTest::newRow("3 MB") << "UTF8_STRING"
-                              << "" << QByteArray(3'000'000, 'x') << QString(3'000'000, u'x');
+        row("UTF-8", "UTF8_STRING", mixed.toUtf8(), mixed);
+        row("charset in other case", "text/plain;charset=UTF-8", mixed.toUtf8(), mixed);
+        row("Latin-1", "STRING", "caf\xe9", "café");
+        row("TEXT that comes as STRING", "TEXT", "caf\xe9", "café", "STRING");
+        row("end mark counted in", "UTF8_STRING", QByteArray("abc\0", 4), "abc");
+        row("HTML, UTF-8", "text/html", mixed.toUtf8(), mixed);
+        row("HTML, UTF-16", "text/html", utf16("<a>" + mixed), "<a>" + mixed);
+        row("HTML, UTF-16 with a mark", "text/html", "\xff\xfe" + utf16(mixed), mixed);
+        row("empty", "UTF8_STRING", {}, "");
+        row("3 MB", "UTF8_STRING", QByteArray(3'000'000, 'x'), QString(3'000'000, u'x'));
     }
 
     void texts() {
@@ -97,7 +90,6 @@ private Q_SLOTS:
     }
 
     void nobodyOwnsTheClipboard() {
-        const Ports fresh;
         VirtualDesktop empty({.windowManager = false, .bus = false});
         QVERIFY(empty.problem().isEmpty());
         qputenv("DISPLAY", empty.display().toLocal8Bit());
@@ -263,16 +255,6 @@ private Q_SLOTS:
         QTEST(found == layout.end() ? -1 : static_cast<int>(found - layout.begin()), "key");
         process.start("setxkbmap", {"us"});
         QVERIFY(process.waitForFinished());
-    }
-
-    void keyboardHeldByAnotherIsSecure() {
-        QVERIFY(!m_ports->keyboard->isSecureInputActive());
-        PasteTarget prompt(*m_desktop);
-        QVERIFY(!prompt.waitForEvent("focused").isEmpty());
-        QVERIFY(prompt.command("grab on"));
-        QVERIFY(m_ports->keyboard->isSecureInputActive());
-        QVERIFY(prompt.command("grab off"));
-        QTRY_VERIFY(!m_ports->keyboard->isSecureInputActive());
     }
 
 private:

@@ -28,18 +28,13 @@ struct NotificationLog::Heard {
         GVariant *body = g_dbus_message_get_body(message);
         if (!body || !g_variant_is_of_type(body, G_VARIANT_TYPE("(susssasa{sv}i)")))
             return;
-        const char *application = nullptr, *icon = nullptr, *title = nullptr, *text = nullptr;
-        char **actions = nullptr;
+        const char *application = nullptr, *title = nullptr, *text = nullptr;
         Call call{g_dbus_message_get_sender(message), g_dbus_message_get_serial(message), {}};
-        g_variant_get(body, "(&su&s&s&s^a&s@a{sv}i)", &application, &call.notification.replaces,
-                      &icon, &title, &text, &actions, nullptr, nullptr);
+        g_variant_get(body, "(&su&s&s&sasa{sv}i)", &application, nullptr, nullptr, &title, &text,
+                      nullptr, nullptr, nullptr);
         call.notification.application = QString::fromUtf8(application);
-        call.notification.icon = QString::fromUtf8(icon);
         call.notification.title = QString::fromUtf8(title);
         call.notification.body = QString::fromUtf8(text);
-        for (char **action = actions; *action; ++action)
-            call.notification.actions.append(QString::fromUtf8(*action));
-        g_free(actions);
         calls.append(call);
     }
 
@@ -51,9 +46,8 @@ struct NotificationLog::Heard {
         });
         if (call == calls.end())
             return;
-        if (const char *error = g_dbus_message_get_error_name(message))
-            call->notification.error = QString::fromUtf8(error);
-        else if (GVariant *body = g_dbus_message_get_body(message))
+        GVariant *body = g_dbus_message_get_body(message);
+        if (body && g_variant_is_of_type(body, G_VARIANT_TYPE("(u)")))
             g_variant_get(body, "(u)", &call->notification.id);
     }
 

@@ -9,15 +9,10 @@
 /// One call of Notify, as it came to the notification daemon.
 struct ShownNotification {
     QString application;
-    uint32_t replaces = 0;
-    QString icon;
     QString title;
     QString body;
-    QStringList actions;
     /// What the daemon calls it; 0 as long as it has not accepted it.
     uint32_t id = 0;
-    /// The name of the error that was answered instead; empty if there was none.
-    QString error;
 };
 
 /// Listens to what a notification daemon is asked to show and what it answers, as a monitor of
