@@ -1,5 +1,7 @@
 #include "platform/linux/QtDispatch.h"
 
+#include "platform/linux/HandOver.h"
+
 #include <QSemaphore>
 #include <QThread>
 #include <QTimer>
@@ -10,9 +12,14 @@ namespace {
 
 class QtSemaphore : public Semaphore {
 public:
-    void signal() override { m_semaphore.release(); }
+    void signal() override {
+        HandOver::give();
+        m_semaphore.release();
+    }
     bool wait(std::chrono::milliseconds timeout) override {
-        return m_semaphore.tryAcquire(1, static_cast<int>(timeout.count()));
+        const bool wasSignalled = m_semaphore.tryAcquire(1, static_cast<int>(timeout.count()));
+        HandOver::take();
+        return wasSignalled;
     }
 
 private:
@@ -35,11 +42,15 @@ bool QtDispatch::isMainThread() const {
 }
 
 void QtDispatch::toMain(Task task) {
-    QMetaObject::invokeMethod(&m_mainContext, std::move(task), Qt::QueuedConnection);
+    m_mainContext.post(std::move(task));
 }
 
 void QtDispatch::toBackground(Task task) {
-    m_pool.start(std::move(task));
+    HandOver::give();
+    m_pool.start([task = std::move(task)] {
+        HandOver::take();
+        task();
+    });
 }
 
 WorkItem QtDispatch::after(std::chrono::milliseconds delay, Task task) {

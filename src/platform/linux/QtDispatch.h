@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/Dispatch.h"
+#include "platform/linux/WorkQueue.h"
 
 #include <QObject>
 #include <QThreadPool>
@@ -21,6 +22,6 @@ public:
     std::shared_ptr<Semaphore> makeSemaphore() override;
 
 private:
-    QObject m_mainContext;
+    WorkQueue m_mainContext;
     QThreadPool m_pool;
 };

@@ -1,5 +1,7 @@
 #include "platform/linux/QtUrlSession.h"
 
+#include "platform/linux/HandOver.h"
+
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
 #include <QSslConfiguration>
@@ -149,9 +151,11 @@ QtUrlSession::~QtUrlSession() {
     if (!m_thread.isRunning())
         return;
     // Requests still under way end here, with an answer for whoever waits.
+    HandOver::give();
     QMetaObject::invokeMethod(
         &m_context,
         [this] {
+            HandOver::take();
             const QList<Task *> tasks = m_tasks.values();
             for (Task *task : tasks)
                 task->fail(QStringLiteral("Brindle is quitting."));
@@ -159,8 +163,10 @@ QtUrlSession::~QtUrlSession() {
             qDeleteAll(ended);
             m_manager.reset();
             m_context.moveToThread(nullptr);
+            HandOver::give();
         },
         Qt::BlockingQueuedConnection);
+    HandOver::take();
     m_thread.quit();
     m_thread.wait();
 }
@@ -168,7 +174,7 @@ QtUrlSession::~QtUrlSession() {
 void QtUrlSession::onThread(std::function<void()> work) {
     // Whoever comes first starts the thread; starting a running one does nothing.
     m_thread.start();
-    QMetaObject::invokeMethod(&m_context, std::move(work), Qt::QueuedConnection);
+    m_context.post(std::move(work));
 }
 
 QNetworkAccessManager &QtUrlSession::manager() {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/UrlSession.h"
+#include "platform/linux/WorkQueue.h"
 
 #include <QHash>
 #include <QNetworkRequest>
@@ -35,7 +36,7 @@ private:
     void send(TaskId id, const UrlRequest &request, const Completion &completion);
 
     QThread m_thread;
-    QObject m_context; ///< lives on the thread
+    WorkQueue m_context; ///< lives on the thread
     std::unique_ptr<QNetworkAccessManager> m_manager;
     QHash<TaskId, Task *> m_tasks;
     std::atomic<TaskId> m_lastTask = 0;
