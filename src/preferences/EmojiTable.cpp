@@ -3,6 +3,7 @@
 #include "platform/wording.h"
 #include "preferences/EmojiPickerField.h"
 #include "preferences/SettingsBinding.h"
+#include "preferences/kit/AccessibleRole.h"
 #include "preferences/kit/Button.h"
 #include "preferences/kit/Caption.h"
 #include "preferences/kit/FieldLabel.h"
@@ -75,9 +76,12 @@ EmojiTable::EmojiTable(QWidget *parent) : QWidget(parent) {
     column->addWidget(new Caption(QStringLiteral(
         "Maps Jira issue types → emoji for the `{type-emoji}` placeholder. Case-insensitive. The "
         "Comment row feeds `{comment-emoji}`.")));
-    m_rowsColumn = new QVBoxLayout;
+    // A widget of their own keeps them before what follows in the order of reading.
+    auto *rows = new QWidget;
+    m_rowsColumn = new QVBoxLayout(rows);
+    m_rowsColumn->setContentsMargins(0, 0, 0, 0);
     m_rowsColumn->setSpacing(Style::tightSpacing);
-    column->addLayout(m_rowsColumn);
+    column->addWidget(rows);
     addCommentRow(*column);
     addButtons(*column);
     followSettings(this, [this] { refresh(); });
@@ -127,6 +131,7 @@ void EmojiTable::refresh() {
     if (!sameRows)
         rebuild(mappings);
     for (qsizetype i = 0; i < mappings.size(); ++i) {
+        m_rows.at(i).widget->setAccessibleName(mappings.at(i).type);
         m_rows.at(i).type->show(mappings.at(i).type);
         m_rows.at(i).emoji->show(mappings.at(i).emoji);
     }
@@ -164,6 +169,7 @@ EmojiTable::Row EmojiTable::makeRow(qsizetype index, const QUuid &id) {
     Row row;
     row.id = id;
     row.widget = new QWidget;
+    setAccessibleRole(row.widget, QAccessible::Grouping);
     row.type = new BorderedField(QStringLiteral("Issue type (e.g., Bug)"));
     row.type->setAccessibleName(QStringLiteral("Issue type"));
     row.emoji = new EmojiField(QStringLiteral("Emoji"));

@@ -3,6 +3,7 @@
 #include "platform/Platform.h"
 #include "preferences/Divider.h"
 #include "preferences/LogList.h"
+#include "preferences/kit/AccessibleRole.h"
 #include "preferences/kit/Button.h"
 #include "preferences/kit/Caption.h"
 #include "preferences/kit/Style.h"
@@ -42,6 +43,7 @@ QLayout *LogView::header() {
     constexpr int verticalPadding = 10;
     auto *title = new QLabel(u"<b>Activity Log</b>"_s);
     title->setAccessibleName(u"Activity Log"_s);
+    setAccessibleRole(title, QAccessible::Heading);
     Style::dress(title, Style::TextRole::Body);
     m_count = new QLabel;
     Style::dress(m_count, Style::TextRole::Caption, Style::ColourRole::Secondary);

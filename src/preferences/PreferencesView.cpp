@@ -6,6 +6,7 @@
 #include "preferences/IdLinksTab.h"
 #include "preferences/JiraTab.h"
 #include "preferences/SidebarRow.h"
+#include "preferences/kit/AccessibleRole.h"
 #include "preferences/kit/SlimScrollBar.h"
 #include "preferences/kit/Style.h"
 
@@ -60,6 +61,9 @@ PreferencesView::PreferencesView(QWidget *parent) : QWidget(parent), m_detail(ne
     split->setHandleWidth(1);
     split->addWidget(makeSidebar());
     split->addWidget(m_detail);
+    // The order in which assistive programs read; the handle reaches over its neighbours.
+    m_detail->raise();
+    split->handle(1)->raise();
     split->setStretchFactor(1, 1);
     split->setSizes({Style::scaled(sidebarIdeal), Style::scaled(viewWidth - sidebarIdeal)});
     auto *row = new QHBoxLayout(this);
@@ -78,6 +82,7 @@ void PreferencesView::settleSize() {
 QWidget *PreferencesView::makeSidebar() {
     auto *sidebar = new Sidebar;
     sidebar->setAccessibleName(QStringLiteral("Tabs"));
+    setAccessibleRole(sidebar, QAccessible::PageTabList);
     auto *column = new QVBoxLayout(sidebar);
     column->setContentsMargins(10, 12, 10, 12);
     column->setSpacing(2);

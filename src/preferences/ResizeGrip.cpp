@@ -2,6 +2,7 @@
 
 #include "preferences/kit/Style.h"
 
+#include <QAccessibleWidget>
 #include <QMouseEvent>
 #include <QPainter>
 
@@ -9,14 +10,53 @@ namespace {
 constexpr int side = 13;
 constexpr int leastDrag = 10;
 constexpr int keyStep = 10;
+
+class GripFace : public QAccessibleWidget, public QAccessibleValueInterface {
+public:
+    explicit GripFace(ResizeGrip *grip) : QAccessibleWidget(grip, QAccessible::Slider) {}
+
+    void *interface_cast(QAccessible::InterfaceType type) override {
+        if (type == QAccessible::ValueInterface)
+            return static_cast<QAccessibleValueInterface *>(this);
+        return QAccessibleWidget::interface_cast(type);
+    }
+    QVariant currentValue() const override { return grip()->fieldHeight(); }
+    void setCurrentValue(const QVariant &value) override { grip()->moveTo(value.toInt()); }
+    QVariant maximumValue() const override { return grip()->greatest(); }
+    QVariant minimumValue() const override { return grip()->least(); }
+    QVariant minimumStepSize() const override { return keyStep; }
+
+private:
+    ResizeGrip *grip() const { return static_cast<ResizeGrip *>(widget()); }
+};
+
+QAccessibleInterface *faceOf(const QString &, QObject *object) {
+    auto *grip = qobject_cast<ResizeGrip *>(object);
+    return grip ? new GripFace(grip) : nullptr;
+}
+
 } // namespace
 
-ResizeGrip::ResizeGrip(QWidget *parent) : QWidget(parent) {
+ResizeGrip::ResizeGrip(int least, int greatest, QWidget *parent)
+    : QWidget(parent), m_least(least), m_greatest(greatest), m_fieldHeight(least) {
+    [[maybe_unused]] static const bool isInstalled = (QAccessible::installFactory(faceOf), true);
     setFixedSize(side, side);
     setCursor(Qt::SizeVerCursor);
     setFocusPolicy(Qt::TabFocus);
     setAccessibleName(QStringLiteral("Resize the field"));
     setAccessibleDescription(QStringLiteral("The Up and Down keys change its height."));
+}
+
+void ResizeGrip::setFieldHeight(int height) {
+    if (height == m_fieldHeight)
+        return;
+    m_fieldHeight = height;
+    QAccessibleValueChangeEvent news(this, height);
+    QAccessible::updateAccessibility(&news);
+}
+
+void ResizeGrip::moveTo(int height) {
+    Q_EMIT moved(std::clamp(height, m_least, m_greatest));
 }
 
 void ResizeGrip::paintEvent(QPaintEvent *) {
@@ -61,6 +101,5 @@ void ResizeGrip::keyPressEvent(QKeyEvent *event) {
         QWidget::keyPressEvent(event);
         return;
     }
-    Q_EMIT dragged(event->key() == Qt::Key_Down ? keyStep : -keyStep);
-    Q_EMIT dragEnded();
+    moveTo(m_fieldHeight + (event->key() == Qt::Key_Down ? keyStep : -keyStep));
 }

@@ -3,6 +3,7 @@
 #include "preferences/kit/Style.h"
 #include "preferences/kit/TileIcon.h"
 
+#include <QAccessibleWidget>
 #include <QHBoxLayout>
 #include <QPainter>
 
@@ -10,13 +11,51 @@ namespace {
 constexpr int iconGap = 11;
 constexpr int verticalPadding = 9;
 constexpr int horizontalPadding = 10;
+
+/// The row as assistive programs see it: one tab of a list, of which one is selected.
+class TabFace : public QAccessibleWidget {
+public:
+    explicit TabFace(SidebarRow *row) : QAccessibleWidget(row, QAccessible::PageTab) {}
+
+    QAccessible::State state() const override {
+        QAccessible::State state = QAccessibleWidget::state();
+        state.selectable = true;
+        state.selected = row()->isChecked();
+        return state;
+    }
+    QStringList actionNames() const override {
+        return QStringList(pressAction()) + QAccessibleWidget::actionNames();
+    }
+    void doAction(const QString &action) override {
+        if (action == pressAction())
+            row()->click();
+        else
+            QAccessibleWidget::doAction(action);
+    }
+
+private:
+    SidebarRow *row() const { return static_cast<SidebarRow *>(widget()); }
+};
+
+QAccessibleInterface *faceOf(const QString &, QObject *object) {
+    auto *row = qobject_cast<SidebarRow *>(object);
+    return row ? new TabFace(row) : nullptr;
+}
+
 } // namespace
 
 SidebarRow::SidebarRow(PreferencesTab tab, QWidget *parent) : QAbstractButton(parent), m_tab(tab) {
+    [[maybe_unused]] static const bool isInstalled = (QAccessible::installFactory(faceOf), true);
     const PreferencesTabs::Face &face = PreferencesTabs::face(tab);
     setText(face.title);
     setAccessibleName(face.title);
     setCheckable(true);
+    connect(this, &QAbstractButton::toggled, this, [this] {
+        QAccessible::State changed;
+        changed.selected = true;
+        QAccessibleStateChangeEvent news(this, changed);
+        QAccessible::updateAccessibility(&news);
+    });
     setAutoExclusive(true);
     setFocusPolicy(Qt::StrongFocus);
     setAttribute(Qt::WA_Hover);

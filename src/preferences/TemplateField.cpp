@@ -161,18 +161,23 @@ void TemplateField::growToContent() {
 void TemplateField::setFieldHeight(int height) {
     m_height = height;
     setFixedHeight(height + 2 * Style::fieldVerticalPadding);
+    if (m_grip)
+        m_grip->setFieldHeight(height);
 }
 
 void TemplateField::addGrip() {
-    auto *grip = new ResizeGrip(this);
-    m_grip = grip;
-    connect(grip, &ResizeGrip::dragged, this, [this](int distance) {
+    m_grip = new ResizeGrip(leastHeight, greatestHeight, this);
+    connect(m_grip, &ResizeGrip::dragged, this, [this](int distance) {
         m_resizing = true;
         setFieldHeight(std::clamp(m_dragStart + distance, leastHeight, greatestHeight));
     });
-    connect(grip, &ResizeGrip::dragEnded, this, [this] {
+    connect(m_grip, &ResizeGrip::dragEnded, this, [this] {
         m_dragStart = m_height;
         m_resizing = false;
+    });
+    connect(m_grip, &ResizeGrip::moved, this, [this](int height) {
+        setFieldHeight(height);
+        m_dragStart = height;
     });
 }
 

@@ -7,6 +7,7 @@
 
 class AutocompleteList;
 class PlaceholderTextView;
+class ResizeGrip;
 
 /// The editor of a link template. Typing "{" opens a popover with every placeholder. It grows with
 /// its text and never shrinks by itself. Main thread only.
@@ -60,7 +61,7 @@ private:
     QList<TemplatePlaceholder> m_placeholders;
     PlaceholderTextView *m_textView;
     QPointer<AutocompleteList> m_popover;
-    QWidget *m_grip = nullptr;
+    ResizeGrip *m_grip = nullptr;
     int m_height = 0;
     int m_dragStart = leastHeight;
     bool m_resizing = false;

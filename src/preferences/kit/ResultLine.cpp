@@ -1,5 +1,6 @@
 #include "preferences/kit/ResultLine.h"
 
+#include "preferences/kit/AccessibleRole.h"
 #include "preferences/kit/Style.h"
 #include "preferences/kit/Symbols.h"
 
@@ -86,6 +87,7 @@ private:
 } // namespace
 
 ResultLine::ResultLine(QWidget *parent) : QWidget(parent), m_icon(new ResultIcon(*this)) {
+    setAccessibleRole(this, QAccessible::AlertMessage);
     auto *row = new QHBoxLayout(this);
     row->setContentsMargins(0, 0, 0, 0);
     row->setSpacing(7);

@@ -1,5 +1,6 @@
 #include "preferences/kit/SegmentedPicker.h"
 
+#include "preferences/kit/AccessibleRole.h"
 #include "preferences/kit/KeyboardFocus.h"
 #include "preferences/kit/Style.h"
 
@@ -66,6 +67,7 @@ private:
 SegmentedPicker::SegmentedPicker(const QString &name, const QStringList &titles, QWidget *parent)
     : QWidget(parent) {
     setAccessibleName(name);
+    setAccessibleRole(this, QAccessible::Grouping);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     auto *row = new QHBoxLayout(this);
     row->setContentsMargins(padding, padding, padding, padding);

@@ -21,12 +21,18 @@ Switch::Switch(const QString &title, QWidget *parent) : QCheckBox(title, parent)
     m_slide.setStartValue(0.0);
     m_slide.setEndValue(0.0);
     connect(&m_slide, &QVariantAnimation::valueChanged, this, qOverload<>(&Switch::update));
-    connect(this, &QCheckBox::toggled, this, &Switch::slide);
-    connect(this, &QCheckBox::clicked, this, &Switch::switched);
+    // Not at clicks: assistive programs toggle without one.
+    connect(this, &QCheckBox::toggled, this, [this](bool on) {
+        slide();
+        if (!m_settingOn)
+            Q_EMIT switched(on);
+    });
 }
 
 void Switch::setOn(bool on) {
+    m_settingOn = true;
     setChecked(on);
+    m_settingOn = false;
 }
 
 void Switch::slide() {

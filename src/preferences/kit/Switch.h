@@ -27,5 +27,6 @@ protected:
 private:
     void slide();
 
+    bool m_settingOn = false;
     QVariantAnimation m_slide; ///< the knob's way, from 0 (off) to 1 (on)
 };

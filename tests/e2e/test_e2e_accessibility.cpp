@@ -1,0 +1,199 @@
+#include "stage/BrindleProcess.h"
+#include "stage/VirtualDesktop.h"
+
+#include <QDBusArgument>
+#include <QDBusMessage>
+#include <QDBusObjectPath>
+#include <QDBusVariant>
+#include <QSettings>
+#include <QTest>
+
+namespace {
+
+/// One thing on the accessibility bus, as an assistive program sees it.
+struct Node {
+    QString service;
+    QString path;
+
+    QVariant call(const QString &interface, const QString &method,
+                  const QVariantList &arguments = {}) const {
+        QDBusMessage message = QDBusMessage::createMethodCall(service, path, interface, method);
+        message.setArguments(arguments);
+        return QDBusConnection("a11y").call(message).arguments().value(0);
+    }
+    QVariant accessible(const QString &method) const {
+        return call("org.a11y.atspi.Accessible", method);
+    }
+    QVariant property(const QString &interface, const QString &name) const {
+        const QString properties = "org.freedesktop.DBus.Properties";
+        return call(properties, "Get", {"org.a11y.atspi." + interface, name})
+            .value<QDBusVariant>()
+            .variant();
+    }
+    QString name() const { return property("Accessible", "Name").toString(); }
+    QString role() const { return accessible("GetRoleName").toString(); }
+    bool is(int state) const {
+        return qdbus_cast<QList<uint>>(accessible("GetState")).value(0) >> state & 1;
+    }
+    QString text() const { return call("org.a11y.atspi.Text", "GetText", {0, -1}).toString(); }
+    bool act() const { return call("org.a11y.atspi.Action", "DoAction", {0}).toBool(); }
+    QList<Node> children() const {
+        QList<Node> found;
+        const auto list = accessible("GetChildren").value<QDBusArgument>();
+        for (list.beginArray(); !list.atEnd();) {
+            Node child;
+            QDBusObjectPath at;
+            list.beginStructure();
+            list >> child.service >> at;
+            list.endStructure();
+            child.path = at.path();
+            found.append(child);
+        }
+        return found;
+    }
+    /// Itself and all below it that is on the screen, in the order of reading.
+    QList<Node> shown() const {
+        QList<Node> found{*this};
+        for (const Node &child : children()) {
+            if (child.is(showing))
+                found += child.shown();
+        }
+        return found;
+    }
+
+    enum State {
+        checked = 4,
+        editable = 7,
+        enabled = 8,
+        focusable = 11,
+        selected = 23,
+        showing = 25
+    };
+};
+
+/// Brindle with a window open, and a reader of the screen.
+struct Scene {
+    explicit Scene(const QString &action) : desktop({.keyring = true, .accessibility = true}) {
+        brindle = std::make_unique<BrindleProcess>(
+            desktop, QMap<QString, QString>{{"jiraEmail", "ann@h.example"},
+                                            {"accountBaseURL", "https://r.example/"}});
+        const QDBusMessage reply = desktop.bus().call(QDBusMessage::createMethodCall(
+            "org.a11y.Bus", "/org/a11y/bus", "org.a11y.Bus", "GetAddress"));
+        isUp = QDBusConnection::connectToBus(reply.arguments().value(0).toString(), "a11y")
+                   .isConnected() &&
+               brindle->isUp() && brindle->activate(action);
+    }
+    ~Scene() { QDBusConnection::disconnectFromBus("a11y"); }
+
+    QList<Node> shown() const {
+        const Node root{"org.a11y.atspi.Registry", "/org/a11y/atspi/accessible/root"};
+        QList<Node> found;
+        for (const Node &program : root.children()) {
+            for (const Node &window : program.children())
+                found += window.shown();
+        }
+        return found;
+    }
+    /// The one of that role and name, waiting for it; one without a path if it does not come.
+    Node find(const QString &role, const QString &name) const {
+        Node found;
+        waitFor([&] {
+            for (const Node &node : shown()) {
+                if (node.name() == name && node.role() == role)
+                    found = node;
+            }
+            return !found.path.isEmpty();
+        });
+        return found;
+    }
+    QVariant setting(const QString &key) const {
+        const QString folder = desktop.environment().value("XDG_CONFIG_HOME");
+        return QSettings(folder + "/org.ostrowind.brindle.conf", QSettings::IniFormat).value(key);
+    }
+
+    VirtualDesktop desktop;
+    std::unique_ptr<BrindleProcess> brindle;
+    bool isUp = false;
+};
+
+} // namespace
+
+class TestE2eAccessibility : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void everyControlTellsWhatItIs() {
+        const Scene scene("preferences");
+        QVERIFY2(scene.isUp, qPrintable(scene.desktop.problem()));
+        const QStringList roles{"push button", "check box", "radio button",  "page tab", "text",
+                                "label",       "slider",    "password text", "menu item"};
+        const QList<std::pair<QString, QString>> tabs{{"General", "Launch at login"},
+                                                      {"Jira", "Resize the field"},
+                                                      {"Confluence", "{title}"},
+                                                      {"ID Links", "Pastes as"},
+                                                      {"Connection", "Confluence API Token"}};
+        for (const auto &[tab, content] : tabs) {
+            QVERIFY(scene.find("page tab", tab).act());
+            QStringList names;
+            const auto read = [&] {
+                names.clear();
+                for (const Node &node : scene.shown()) {
+                    if (node.is(Node::focusable) ||
+                        node.property("Action", "NActions").toInt() > 0) {
+                        names.append(node.name());
+                        if (node.name().isEmpty() || !roles.contains(node.role()))
+                            names.append("! " + node.role() + " " + node.name());
+                    }
+                }
+                return names.contains(content);
+            };
+            QVERIFY2(waitFor(read), qPrintable(tab + ": " + names.join(", ")));
+            QVERIFY2(names.filter("! ").isEmpty(), qPrintable(names.filter("! ").join(", ")));
+            QCOMPARE(names.first(), "General"); // the sidebar is read first
+            QVERIFY(scene.find("page tab", tab).is(Node::selected));
+        }
+    }
+
+    void controlsWorkFromOutside() {
+        const Scene scene("preferences");
+        QVERIFY2(scene.isUp, qPrintable(scene.desktop.problem()));
+        const Node restore = scene.find("check box", "Restore original clipboard after paste");
+        QVERIFY(restore.is(Node::checked) && restore.act());
+        QVERIFY(waitFor([&] { return !restore.is(Node::checked); }));
+        QVERIFY(waitFor(
+            [&] { return scene.setting("restoreClipboardAfterPaste") == QVariant("false"); }));
+        QVERIFY(scene.find("radio button", "Markdown").act());
+        QVERIFY(waitFor([&] { return scene.setting("pasteFormat") == "markdown"; }));
+        QVERIFY(scene.find("text", "Example").text().startsWith("[AB-12"));
+        QVERIFY(scene.find("push button", "Alternate: Not set").act());
+        QVERIFY(!scene.find("push button", "Alternate: Press keys…").path.isEmpty());
+
+        QVERIFY(scene.find("page tab", "Jira").act());
+        const Node field = scene.find("text", "Display format");
+        QVERIFY(field.is(Node::editable));
+        QVERIFY(field.call("org.a11y.atspi.EditableText", "SetTextContents", {"x "}).toBool());
+        QVERIFY(scene.find("push button", "{key}").act());
+        QVERIFY(waitFor([&] { return scene.setting("displayTemplate") == "x {key}"; }));
+        QCOMPARE(field.text(), "x {key}");
+        QVERIFY(!scene.find("push button", "Fetch").is(Node::enabled));
+        const Node grip = scene.find("slider", "Resize the field");
+        QCOMPARE(grip.property("Value", "CurrentValue").toInt(), 22);
+        grip.call(
+            "org.freedesktop.DBus.Properties", "Set",
+            {"org.a11y.atspi.Value", "CurrentValue", QVariant::fromValue(QDBusVariant(60.0))});
+        QVERIFY(waitFor([&] { return grip.property("Value", "CurrentValue").toInt() == 60; }));
+    }
+
+    void theLogCanBeReadAndCleared() {
+        const Scene scene("logs");
+        QVERIFY2(scene.isUp, qPrintable(scene.desktop.problem()));
+        QVERIFY(scene.find("text", "Activity Log").text().contains("app: launched"));
+        const Node clear = scene.find("push button", "Clear");
+        QVERIFY(clear.act());
+        QVERIFY(waitFor([&] { return !clear.is(Node::enabled); }));
+        QVERIFY(!scene.find("label", "0 entries (last 200 kept)").path.isEmpty());
+    }
+};
+
+QTEST_GUILESS_MAIN(TestE2eAccessibility)
+#include "test_e2e_accessibility.moc"
