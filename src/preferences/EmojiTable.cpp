@@ -76,12 +76,14 @@ EmojiTable::EmojiTable(QWidget *parent) : QWidget(parent) {
     column->addWidget(new Caption(QStringLiteral(
         "Maps Jira issue types → emoji for the `{type-emoji}` placeholder. Case-insensitive. The "
         "Comment row feeds `{comment-emoji}`.")));
-    // A widget of their own keeps them before what follows in the order of reading.
+    // A widget of their own keeps them before what follows in the order of reading, being first
+    // made before it in that of the Tab key.
     auto *rows = new QWidget;
     m_rowsColumn = new QVBoxLayout(rows);
     m_rowsColumn->setContentsMargins(0, 0, 0, 0);
     m_rowsColumn->setSpacing(Style::tightSpacing);
     column->addWidget(rows);
+    rebuild(Settings::shared().typeEmojiMappings());
     addCommentRow(*column);
     addButtons(*column);
     followSettings(this, [this] { refresh(); });
@@ -99,11 +101,11 @@ void EmojiTable::addCommentRow(QVBoxLayout &column) {
         if (text != settings.commentEmoji())
             settings.commentEmoji = text;
     });
-    Button *picker = pickerButton(m_commentEmoji);
+    m_commentPicker = pickerButton(m_commentEmoji);
     layout->addWidget(title, 1);
     layout->addWidget(m_commentEmoji);
-    layout->addWidget(picker);
-    layout->addWidget(new FaintMinus(picker));
+    layout->addWidget(m_commentPicker);
+    layout->addWidget(new FaintMinus(m_commentPicker));
     column.addWidget(row);
 }
 
@@ -111,14 +113,14 @@ void EmojiTable::addButtons(QVBoxLayout &column) {
     auto *buttons = new QHBoxLayout;
     buttons->setSpacing(Style::rowSpacing);
     m_add = new Button(Symbol::PlusCircle, QStringLiteral("Add type"));
-    auto *reset = new Button(QStringLiteral("Reset to defaults"));
-    reset->setToolTip(
+    m_reset = new Button(QStringLiteral("Reset to defaults"));
+    m_reset->setToolTip(
         QStringLiteral("Restore the default Bug / Story / Task / Epic / Sub-task mapping."));
     connect(m_add, &Button::clicked, this, &EmojiTable::addType);
-    connect(reset, &Button::clicked, this,
+    connect(m_reset, &Button::clicked, this,
             [] { Settings::shared().typeEmojiMappings = Settings::defaultTypeEmojiMappings(); });
     buttons->addWidget(m_add);
-    buttons->addWidget(reset);
+    buttons->addWidget(m_reset);
     buttons->addStretch();
     column.addLayout(buttons);
 }
@@ -154,15 +156,17 @@ void EmojiTable::rebuild(const QList<TypeEmojiMapping> &mappings) {
         m_rowsColumn->addWidget(m_rows.last().widget);
         m_rows.last().widget->show(); // now, so that a new row can take the focus
     }
-    // New rows come last in the order of the Tab key unless put in their place.
-    QWidget *last = nullptr;
-    for (const Row &row : std::as_const(m_rows)) {
-        if (last)
-            setTabOrder(last, row.type);
-        last = row.remove;
-    }
-    if (last)
-        setTabOrder(last, m_commentEmoji);
+    orderTabs();
+}
+
+/// New rows come last in the order of the Tab key, so what stands below them has to follow anew.
+void EmojiTable::orderTabs() const {
+    QList<QWidget *> order;
+    for (const Row &row : m_rows)
+        order += {row.type, row.emoji, row.picker, row.remove};
+    order += {m_commentEmoji, m_commentPicker, m_add, m_reset};
+    for (qsizetype i = 1; i < order.size(); ++i)
+        setTabOrder(order.at(i - 1), order.at(i));
 }
 
 EmojiTable::Row EmojiTable::makeRow(qsizetype index, const QUuid &id) {
@@ -173,6 +177,7 @@ EmojiTable::Row EmojiTable::makeRow(qsizetype index, const QUuid &id) {
     row.type = new BorderedField(QStringLiteral("Issue type (e.g., Bug)"));
     row.type->setAccessibleName(QStringLiteral("Issue type"));
     row.emoji = new EmojiField(QStringLiteral("Emoji"));
+    row.picker = pickerButton(row.emoji);
     row.remove = Button::iconOnly(Symbol::MinusCircle, QStringLiteral("Remove this mapping"),
                                   QStringLiteral("Remove this mapping."));
     connect(row.type, &QLineEdit::textChanged, this, [index](const QString &text) {
@@ -185,7 +190,7 @@ EmojiTable::Row EmojiTable::makeRow(qsizetype index, const QUuid &id) {
     auto *layout = rowLayout(row.widget);
     layout->addWidget(row.type, 1);
     layout->addWidget(row.emoji);
-    layout->addWidget(pickerButton(row.emoji));
+    layout->addWidget(row.picker);
     layout->addWidget(row.remove);
     return row;
 }

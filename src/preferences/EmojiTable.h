@@ -25,6 +25,7 @@ private:
         QWidget *widget = nullptr;
         BorderedField *type = nullptr;
         EmojiField *emoji = nullptr;
+        Button *picker = nullptr;
         Button *remove = nullptr;
     };
 
@@ -32,6 +33,7 @@ private:
     void addButtons(QVBoxLayout &column);
     void refresh();
     void rebuild(const QList<TypeEmojiMapping> &mappings);
+    void orderTabs() const;
     Row makeRow(qsizetype index, const QUuid &id);
     void remove(const QUuid &id);
     void addType();
@@ -39,5 +41,7 @@ private:
     QVBoxLayout *m_rowsColumn = nullptr;
     QList<Row> m_rows;
     EmojiField *m_commentEmoji = nullptr;
+    Button *m_commentPicker = nullptr;
     Button *m_add = nullptr;
+    Button *m_reset = nullptr;
 };

@@ -71,7 +71,6 @@ PreferencesView::PreferencesView(QWidget *parent) : QWidget(parent), m_detail(ne
     row->addWidget(split);
     settleSize();
     selectTab(PreferencesTab::General);
-    setFocus(); // no control is in focus at first; Tab begins with the sidebar
 }
 
 void PreferencesView::settleSize() {

@@ -64,8 +64,10 @@ void ResizeGrip::paintEvent(QPaintEvent *) {
     painter.setRenderHint(QPainter::Antialiasing);
     QColor colour = Style::colour(Style::ColourRole::Secondary, palette());
     colour.setAlphaF(0.55F);
-    if (hasFocus())
+    if (hasFocus()) {
         colour = Style::colour(Style::ColourRole::Accent, palette());
+        Style::paintFocusRing(painter, rect(), 3, palette());
+    }
     painter.setPen(QPen(colour, hasFocus() ? 2 : 1.3));
     for (const qreal reach : {2.5, 6.5, 10.5})
         painter.drawLine(QPointF(width() - reach, height() - 0.5),

@@ -5,6 +5,7 @@
 
 #include <QAccessibleWidget>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QPainter>
 
 namespace {
@@ -36,6 +37,10 @@ public:
 private:
     SidebarRow *row() const { return static_cast<SidebarRow *>(widget()); }
 };
+
+bool isReturn(const QKeyEvent &key) {
+    return key.key() == Qt::Key_Return || key.key() == Qt::Key_Enter;
+}
 
 QAccessibleInterface *faceOf(const QString &, QObject *object) {
     auto *row = qobject_cast<SidebarRow *>(object);
@@ -71,6 +76,22 @@ QSize SidebarRow::sizeHint() const {
     const int words = fontMetrics().horizontalAdvance(text());
     return {2 * horizontalPadding + TileIcon::side + iconGap + words,
             std::max(TileIcon::side, fontMetrics().height()) + 2 * verticalPadding};
+}
+
+bool SidebarRow::event(QEvent *event) {
+    if (event->type() == QEvent::ShortcutOverride && m_ring.isVisible() &&
+        isReturn(static_cast<QKeyEvent &>(*event))) {
+        event->accept();
+        return true;
+    }
+    return QAbstractButton::event(event);
+}
+
+void SidebarRow::keyPressEvent(QKeyEvent *event) {
+    if (isReturn(*event))
+        click();
+    else
+        QAbstractButton::keyPressEvent(event);
 }
 
 void SidebarRow::focusInEvent(QFocusEvent *event) {

@@ -6,7 +6,8 @@
 #include <QAbstractButton>
 
 /// The row of one tab in the sidebar. Rows with the same parent choose one of them, by click or by
-/// the arrow keys.
+/// the arrow keys. Return on a row that shows its ring is
+/// the row's and presses no default button.
 class SidebarRow : public QAbstractButton {
     Q_OBJECT
 
@@ -17,7 +18,9 @@ public:
     QSize sizeHint() const override;
 
 protected:
+    bool event(QEvent *event) override;
     void focusInEvent(QFocusEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
 
 private:

@@ -24,6 +24,7 @@ public:
         setTextFormat(Qt::RichText);
         setWordWrap(true);
         setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+        setFocusPolicy(Qt::StrongFocus);
         setAlignment(Qt::AlignTop | Qt::AlignLeft);
         setMargin(Style::boxPadding);
         setMinimumHeight(Style::scaled(leastTextHeight) + 2 * Style::boxPadding);

@@ -106,6 +106,11 @@ void Button::paintEvent(QPaintEvent *) {
     painter.setFont(font());
     painter.drawText(QRect(x, 0, words + 1, height()),
                      Qt::AlignVCenter | Qt::AlignLeft | Qt::TextHideMnemonic, text());
-    if (hasFocus())
+    if (!hasFocus())
+        return;
+    if (m_kind == Kind::Prominent) // the ring would vanish in its colour
+        Style::paintBox(painter, QRectF(rect()).adjusted(2, 2, -2, -2), Style::buttonRadius - 2, {},
+                        Style::colour(Style::ColourRole::OnAccent, palette()), 1.5);
+    else
         Style::paintFocusRing(painter, rect(), Style::buttonRadius, palette());
 }

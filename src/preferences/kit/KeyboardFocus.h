@@ -19,5 +19,5 @@ public:
     bool isVisible() const { return m_byKeyboard; }
 
 private:
-    bool m_byKeyboard = true;
+    bool m_byKeyboard = false; // a window that opens puts the focus somewhere
 };

@@ -79,7 +79,12 @@ SegmentedPicker::SegmentedPicker(const QString &name, const QStringList &titles,
         row->addWidget(segment);
     }
     connect(&m_segments, &QButtonGroup::idToggled, this, [this](int index, bool on) {
-        if (on && !m_settingCurrent)
+        if (!on)
+            return;
+        // The Tab key comes to the choice, not to the first one.
+        for (QAbstractButton *segment : m_segments.buttons())
+            segment->setFocusPolicy(segment->isChecked() ? Qt::StrongFocus : Qt::ClickFocus);
+        if (!m_settingCurrent)
             Q_EMIT picked(index);
     });
 }
