@@ -3,6 +3,7 @@
 #include "preferences/kit/Style.h"
 
 #include <QAbstractButton>
+#include <QEvent>
 #include <QPainter>
 #include <QVBoxLayout>
 
@@ -27,6 +28,15 @@ public:
     }
 
 protected:
+    bool event(QEvent *event) override {
+        if (event->type() == QEvent::ToolTip) {
+            const QFontMetrics metrics(Style::font(Style::TextRole::Caption));
+            setToolTip(metrics.horizontalAdvance(m_label) > labelArea().width() ? m_label
+                                                                                : QString());
+        }
+        return QAbstractButton::event(event);
+    }
+
     void paintEvent(QPaintEvent *) override {
         using Style::ColourRole;
         QPainter painter(this);
@@ -37,7 +47,7 @@ protected:
         const QRect area = rect().adjusted(rowPadding, 0, -rowPadding, 0);
         painter.setPen(Style::colour(lit ? ColourRole::OnAccent : ColourRole::Primary, palette()));
         painter.drawText(area, Qt::AlignLeft | Qt::AlignVCenter, text());
-        const QRect rest = area.adjusted(fontMetrics().horizontalAdvance(text()) + 8, 0, 0, 0);
+        const QRect rest = labelArea();
         painter.setFont(Style::font(Style::TextRole::Caption));
         if (!lit)
             painter.setPen(Style::colour(ColourRole::Secondary, palette()));
@@ -46,6 +56,11 @@ protected:
     }
 
 private:
+    QRect labelArea() const {
+        const int token = fontMetrics().horizontalAdvance(text());
+        return rect().adjusted(rowPadding + token + 8, 0, -rowPadding, 0);
+    }
+
     QString m_label;
 };
 
@@ -54,6 +69,7 @@ private:
 AutocompleteList::AutocompleteList(const QList<TemplatePlaceholder> &placeholders, QWidget *parent)
     : Popover(Qt::ToolTip, parent) {
     setAccessibleName(QStringLiteral("Placeholders"));
+    setAttribute(Qt::WA_AlwaysShowToolTips); // it never is the active window
     auto *rows = new QVBoxLayout(this);
     rows->setContentsMargins(0, verticalPadding, 0, verticalPadding);
     rows->setSpacing(0);

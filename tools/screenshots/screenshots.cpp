@@ -1,20 +1,26 @@
-// Draws the windows with sample settings, light and dark, into a folder. tools/screenshots.sh runs
-// it.
+// Draws the windows with sample settings, light and dark, and what they pop up, into a folder.
+// tools/screenshots.sh runs it, also at other scales and sizes of text.
 
 #include "app/AppWindow.h"
 #include "fakes/FakePlatform.h"
 #include "platform/wording.h"
+#include "preferences/EmojiPickerField.h"
 #include "preferences/LogView.h"
+#include "preferences/PlaceholderTextView.h"
 #include "preferences/PreferencesView.h"
+#include "preferences/kit/BorderedField.h"
 #include "storage/LogStore.h"
 #include "storage/Settings.h"
 
 #include <QApplication>
 #include <QDir>
+#include <QPainter>
 #include <QPalette>
 #include <QStyleFactory>
 #include <QTest>
+#include <QToolTip>
 
+#include <algorithm>
 #include <cstdio>
 
 namespace {
@@ -24,6 +30,8 @@ QPalette darkPalette() {
     palette.setColor(QPalette::Base, QColor(0x1f, 0x20, 0x23));
     palette.setColor(QPalette::Highlight, QColor(0x3d, 0x8f, 0xd1));
     palette.setColor(QPalette::HighlightedText, Qt::white);
+    palette.setColor(QPalette::ToolTipBase, QColor(0x1f, 0x20, 0x23));
+    palette.setColor(QPalette::ToolTipText, Qt::white);
     palette.setColor(QPalette::Link, QColor(0x6c, 0xb4, 0xee));
     return palette;
 }
@@ -49,16 +57,77 @@ void fillLog() {
         log(line);
 }
 
+/// The window with everything that hangs over it, as on a desktop.
+QImage picture(const QWidget &window) {
+    QRect frame(window.mapToGlobal(QPoint()), window.size());
+    QWidgetList parts;
+    for (QWidget *part : QApplication::topLevelWidgets()) {
+        const bool hangs = part->windowType() == Qt::ToolTip || part->windowType() == Qt::Popup;
+        if (hangs && part->isVisible())
+            parts.append(part);
+    }
+    for (const QWidget *part : parts)
+        frame |= part->geometry();
+    const qreal ratio = window.devicePixelRatio();
+    QImage image(frame.size() * ratio, QImage::Format_ARGB32_Premultiplied);
+    image.setDevicePixelRatio(ratio);
+    image.fill(Qt::transparent);
+    QPainter painter(&image);
+    painter.drawPixmap(window.mapToGlobal(QPoint()) - frame.topLeft(),
+                       const_cast<QWidget &>(window).grab());
+    for (QWidget *part : parts) {
+        if (!part->mask().isEmpty())
+            painter.setClipRegion(part->mask().translated(part->pos() - frame.topLeft()));
+        painter.drawPixmap(part->pos() - frame.topLeft(), part->grab());
+        painter.setClipping(false);
+    }
+    return image;
+}
+
 /// Shows the window, lets everything that is queued happen and draws it.
 bool shoot(AppWindow &window, FakePlatform &platform, const QString &file) {
     window.present();
     if (!QTest::qWaitForWindowExposed(&window))
         return false;
     platform.dispatch->drain();
-    QTest::qWait(300); // animations of the toolkit's own
-    const bool isSaved = window.grab().save(file);
+    QTest::qWait(300);                                         // animations of the toolkit's own
+    const bool isSaved = picture(window).save(file, "png", 0); // as small as it gets
     std::printf("%s\n", qPrintable(file));
     return isSaved;
+}
+
+/// The same with a tooltip, the list of placeholders and the emoji picker.
+bool shootPopups(AppWindow &window, PreferencesView &view, FakePlatform &platform,
+                 const QString &end) {
+    const auto first = [](const auto &fields, auto isWanted) {
+        const auto found = std::find_if(fields.begin(), fields.end(), [&](QWidget *field) {
+            return field->isVisible() && isWanted(field);
+        });
+        return *found;
+    };
+    view.selectTab(PreferencesTab::Connection);
+    QWidget *token = first(view.findChildren<BorderedField *>(),
+                           [](QWidget *field) { return !field->toolTip().isEmpty(); });
+    QToolTip::showText(token->mapToGlobal(QPoint(20, 10)), token->toolTip(), token);
+    bool isComplete = shoot(window, platform, end.arg("tooltip"));
+    QToolTip::hideText();
+    QTest::qWait(500); // it fades
+
+    view.selectTab(PreferencesTab::Jira);
+    const auto any = [](QWidget *) { return true; };
+    PlaceholderTextView *text = first(view.findChildren<PlaceholderTextView *>(), any);
+    text->setFocus();
+    QTest::keyClicks(text, " {");
+    isComplete = shoot(window, platform, end.arg("placeholders")) && isComplete;
+    QTest::keyClick(text, Qt::Key_Escape);
+    QTest::keyClick(text, Qt::Key_Backspace);
+
+    EmojiField *emoji = first(view.findChildren<EmojiField *>(), any);
+    emoji->setFocus(Qt::TabFocusReason); // scrolls there
+    emoji->replaceByPicking();
+    isComplete = shoot(window, platform, end.arg("emoji")) && isComplete;
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
+    return isComplete;
 }
 
 } // namespace
@@ -70,6 +139,7 @@ int main(int argc, char *argv[]) {
     bool isComplete = true;
     for (const bool isDark : {false, true}) {
         QApplication::setPalette(isDark ? darkPalette() : QPalette(QColor(0xef, 0xef, 0xef)));
+        QToolTip::setPalette(QApplication::palette());
         const QString suffix = isDark ? "-dark.png" : "-light.png";
         FakePlatform platform;
         setWording(linuxWording());
@@ -85,6 +155,8 @@ int main(int argc, char *argv[]) {
                 PreferencesTabs::face(tab).title.toLower().replace(' ', '-') + suffix;
             isComplete = shoot(preferences, platform, folder.filePath(name)) && isComplete;
         }
+        isComplete =
+            shootPopups(preferences, *view, platform, folder.filePath("%1" + suffix)) && isComplete;
         AppWindow logs("Brindle Logs", new LogView, actions);
         isComplete = shoot(logs, platform, folder.filePath("log" + suffix)) && isComplete;
     }
