@@ -19,5 +19,8 @@ QList<Row> benchDetection();
 /// From the start of the program until its icon is docked and its hotkey is registered.
 QList<Row> benchStart();
 
+/// From the call over the bus to the first sight of the preferences, in a program just started.
+QList<Row> benchWindow();
+
 /// Memory and wake-ups of the program when nothing happens.
 QList<Row> benchIdle();
