@@ -162,8 +162,9 @@ private Q_SLOTS:
         QVERIFY(scene.press(KEY_V, Qt::Key_V, ctrlAltSuper)); // recording is over
     }
 
-    void ending() {
+    void onlyOneIsRecordedAndResetAndClearEndIt() {
         Scene scene;
+        Settings &settings = Settings::shared();
         QPushButton *primary = button(scene.window.primary, 0);
         QPushButton *alternate = button(scene.window.alternate, 0);
         click(primary);
@@ -175,25 +176,19 @@ private Q_SLOTS:
         QCOMPARE(alternate->text(), "Not set");
         QCOMPARE(scene.app.hotkeyReinstalls, 1); // back, unchanged
         QVERIFY(scene.press(KEY_K, Qt::Key_K, ctrlAltSuper));
-    }
 
-    void resetAndClear() {
-        Scene scene;
-        Settings &settings = Settings::shared();
         settings.hotkeyKeyCode = 40U;
         settings.hotkey2KeyCode = 49U;
         settings.hotkey2Modifiers = 768U;
-        QCOMPARE(scene.title(scene.window.alternate), "⇧⌘Space");
-        click(button(scene.window.alternate, 0));
+        QCOMPARE(alternate->text(), "⇧⌘Space");
+        click(alternate);
         click(button(scene.window.primary, 1));
         QCOMPARE(settings.hotkeyDisplay(), "⌃⌥⌘V");
-        QCOMPARE(scene.app.hotkeyReinstalls, 1);
-        QCOMPARE(scene.title(scene.window.alternate), "Press keys…"); // goes on
+        QCOMPARE(alternate->text(), "Press keys…"); // goes on
         click(button(scene.window.alternate, 1));
         QVERIFY(!settings.hotkey2IsSet());
-        QCOMPARE(scene.title(scene.window.alternate), "Not set");
+        QCOMPARE(alternate->text(), "Not set");
         QVERIFY(!button(scene.window.alternate, 1)->isVisible());
-        QCOMPARE(scene.app.hotkeyReinstalls, 2);
     }
 
     void pausesOffTheScreen() {
