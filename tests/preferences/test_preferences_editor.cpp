@@ -170,6 +170,21 @@ private Q_SLOTS:
         QCOMPARE(scene.text(), before);
     }
 
+    void typingAndChipAreUndoneOneByOne() {
+        Scene scene("");
+        QVERIFY(scene.isReady());
+        scene.keys("ab");
+        scene.click("<i>", scene.block);
+        scene.click("</i>", scene.block);
+        QTRY_COMPARE(scene.view->textCursor().position(), 9);
+        scene.keys("cd");
+        QCOMPARE(scene.text(), "ab<i></i>cd");
+        for (const char *expected : {"ab<i></i>", "ab<i>", "ab", ""}) {
+            scene.view->undo();
+            QCOMPARE(scene.text(), expected);
+        }
+    }
+
     void resetAndOutsideChangesPutTheCaretAtTheEnd() {
         Scene scene("some text");
         QVERIFY(scene.isReady());
