@@ -1,5 +1,6 @@
 // What a window that opens on a call over the bus costs at least: one as large as the preferences,
-// empty but for a patch in the accent colour where they have one, by which it is seen.
+// empty but for a patch in the accent colour where they have one, by which it is seen. With an
+// argument it writes that into the window, so that it also has a font to load.
 
 #include <QApplication>
 #include <QDBusConnection>
@@ -16,7 +17,11 @@ public:
 
 protected:
     void paintEvent(QPaintEvent *) override {
-        QPainter(this).fillRect(10, 12, 200, 50, palette().highlight());
+        QPainter painter(this);
+        painter.fillRect(10, 12, 200, 50, palette().highlight());
+        const QString text = QCoreApplication::arguments().value(1);
+        if (!text.isEmpty())
+            painter.drawText(230, 40, text);
     }
 };
 
