@@ -36,7 +36,16 @@ struct Scene : FakePlatform {
         view->setFocus();
     }
 
-    bool isReady() { return QTest::qWaitForWindowActive(&window) && view->hasFocus(); }
+    bool isReady() {
+        // A window manager that has just started may pass over the first window.
+        for (int attempt = 0; attempt < 6; ++attempt) {
+            if (QTest::qWaitForWindowActive(&window))
+                return QTest::qWaitFor([this] { return view->hasFocus(); });
+            window.hide();
+            window.show();
+        }
+        return false;
+    }
     QString text() const { return Settings::shared().displayTemplate(); }
     void keys(const QString &text) { QTest::keyClicks(view, text); }
     void key(Qt::Key key) { QTest::keyClick(view, key); }
