@@ -33,7 +33,7 @@ constexpr char busConfig[] = R"(<!DOCTYPE busconfig PUBLIC
 constexpr char openboxConfig[] = R"(<?xml version="1.0"?>
 <openbox_config xmlns="http://openbox.org/3.4/rc">
   <focus><focusNew>yes</focusNew><followMouse>no</followMouse></focus>
-  <desktops><number>1</number></desktops>
+  <desktops><number>2</number></desktops>
   <keyboard/>
   <mouse>
     <context name="Client">
@@ -62,18 +62,24 @@ bool stopAutoRepeat(const QString &display) {
     return x.sync();
 }
 
-// A window manager that manages has named a window of its own, which names itself.
-bool isManaged(XConnection &x) {
-    const xcb_atom_t check = x.atom("_NET_SUPPORTING_WM_CHECK");
-    xcb_window_t window = x.root();
-    for (int step = 0; step < 2; ++step) {
-        const XOwned<xcb_get_property_reply_t> reply(xcb_get_property_reply(
-            x.get(), xcb_get_property(x.get(), 0, window, check, XCB_ATOM_WINDOW, 0, 1), nullptr));
-        if (!reply || xcb_get_property_value_length(reply.get()) != sizeof(xcb_window_t))
-            return false;
-        window = *static_cast<const xcb_window_t *>(xcb_get_property_value(reply.get()));
-    }
-    return true;
+// A window manager that starts says that it is there, and then still moves the focus about. It
+// obeys only when it has come to its events: asked for one workspace, it makes one of the two it
+// began with.
+bool obeys(XConnection &x) {
+    const xcb_atom_t count = x.atom("_NET_NUMBER_OF_DESKTOPS");
+    xcb_client_message_event_t wish{};
+    wish.response_type = XCB_CLIENT_MESSAGE;
+    wish.format = 32;
+    wish.window = x.root();
+    wish.type = count;
+    wish.data.data32[0] = 1;
+    xcb_send_event(x.get(), 0, x.root(),
+                   XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
+                   reinterpret_cast<const char *>(&wish));
+    const XOwned<xcb_get_property_reply_t> reply(xcb_get_property_reply(
+        x.get(), xcb_get_property(x.get(), 0, x.root(), count, XCB_ATOM_CARDINAL, 0, 1), nullptr));
+    return reply && xcb_get_property_value_length(reply.get()) == sizeof(uint32_t) &&
+           *static_cast<const uint32_t *>(xcb_get_property_value(reply.get())) == 1;
 }
 
 } // namespace
@@ -221,7 +227,7 @@ void VirtualDesktop::beginServices(const DesktopOptions &options) {
 void VirtualDesktop::awaitServices(const DesktopOptions &options) {
     if (options.windowManager) {
         XConnection x(m_display);
-        if (!waitFor([&] { return x.isValid() && isManaged(x); }))
+        if (!waitFor([&] { return x.isValid() && obeys(x); }))
             fail(u"openbox"_s, u"does not manage the display"_s);
     }
     if (options.accessibility)
