@@ -1,7 +1,5 @@
 #include "stage/VirtualDesktop.h"
 
-#include "stage/XConnection.h"
-
 #include <QDBusConnectionInterface>
 #include <QDir>
 #include <QFileInfo>
@@ -100,6 +98,8 @@ VirtualDesktop::VirtualDesktop(const DesktopOptions &options) {
             u"Xephyr"_s, common + QStringList{u"-no-host-grab"_s, u"-screen"_s, u"1280x800"_s});
     }
     m_environment.insert(u"DISPLAY"_s, m_display);
+    if (options.physicalKeyboard && m_problem.isEmpty())
+        keepAwake();
     if (m_problem.isEmpty())
         beginServices(options);
     if (m_problem.isEmpty())
@@ -185,6 +185,14 @@ QString VirtualDesktop::beginDisplay(const QString &program, const QStringList &
         return u':' + server->lines().first();
     fail(program, u"names no display"_s);
     return {};
+}
+
+// Xephyr may have read a key from the outer display and sleep on it until something wakes it.
+void VirtualDesktop::keepAwake() {
+    constexpr int often = 20; // milliseconds
+    m_inner = std::make_unique<XConnection>(m_display);
+    QObject::connect(&m_awake, &QTimer::timeout, [this] { m_inner->sync(); });
+    m_awake.start(often);
 }
 
 void VirtualDesktop::beginBus(const QStringList &serviceFolders) {

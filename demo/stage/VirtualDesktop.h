@@ -1,9 +1,11 @@
 #pragma once
 
 #include "stage/StageProcess.h"
+#include "stage/XConnection.h"
 
 #include <QDBusConnection>
 #include <QTemporaryDir>
+#include <QTimer>
 
 #include <memory>
 #include <vector>
@@ -62,6 +64,7 @@ private:
     void makeFolders();
     QString writeFile(const QString &name, const QByteArray &content);
     QString beginDisplay(const QString &program, const QStringList &arguments);
+    void keepAwake();
     void beginBus(const QStringList &serviceFolders);
     void beginServices(const DesktopOptions &options);
     void awaitServices(const DesktopOptions &options);
@@ -71,6 +74,8 @@ private:
 
     QTemporaryDir m_home;
     QProcessEnvironment m_environment;
+    std::unique_ptr<XConnection> m_inner; ///< only with a display inside another one
+    QTimer m_awake;
     QString m_display, m_outerDisplay, m_busAddress, m_problem;
     std::vector<std::unique_ptr<StageProcess>> m_programs; // in the order of their start
 };

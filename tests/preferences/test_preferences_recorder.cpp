@@ -287,7 +287,8 @@ int runRecorder(int &argc, char **argv) {
     FakePlatform fakes;
     Platform platform = Platform::current();
     platform.dispatch = std::make_shared<QtDispatch>();
-    platform.hotkeys = std::make_shared<X11Hotkeys>(std::make_shared<X11Connection>());
+    const auto x11 = std::make_shared<X11Connection>();
+    platform.hotkeys = std::make_shared<X11Hotkeys>(x11);
     Platform::install(platform);
     InstallingApp app;
     Settings &settings = Settings::shared();
@@ -306,6 +307,7 @@ int runRecorder(int &argc, char **argv) {
     });
     PressWitness witness;
     qApp->installNativeEventFilter(&witness);
+    x11->sync(); // the server takes keys before it takes the hotkey away otherwise
     say("listening");
     return QApplication::exec();
 }
