@@ -49,6 +49,7 @@ struct Node {
             child.path = at.path();
             found.append(child);
         }
+        list.endArray();
         return found;
     }
     /// Itself and all below it that is on the screen, in the order of reading.

@@ -85,7 +85,7 @@ class TestPreferencesEditor : public QObject {
 
 private Q_SLOTS:
     void onADisplay() {
-        const VirtualDesktop desktop({.bus = false});
+        const VirtualDesktop desktop;
         QVERIFY2(desktop.problem().isEmpty(), qPrintable(desktop.problem()));
         StageProcess test(desktop.environment());
         QVERIFY(test.launch(QCoreApplication::applicationFilePath(), {"--on-a-display"}));
