@@ -119,6 +119,7 @@ QWidget *PreferencesView::pageOf(PreferencesTab tab) {
     column->setContentsMargins(Style::panePadding, Style::panePadding, Style::panePadding,
                                Style::panePadding);
     column->addWidget(makeTab(tab));
+    content->resize(page->size()); // or it would be measured for a size that it never gets
     page->setWidget(content);
     m_detail->addWidget(page);
     m_pages.insert(tab, page);

@@ -24,7 +24,10 @@ WrappingText::WrappingText(const QString &name, QWidget *parent) : QTextEdit(par
     QSizePolicy policy(QSizePolicy::Expanding, QSizePolicy::Preferred);
     policy.setHeightForWidth(true);
     setSizePolicy(policy);
-    connect(this, &QTextEdit::textChanged, this, &WrappingText::updateGeometry);
+    connect(this, &QTextEdit::textChanged, this, [this] {
+        m_heights.clear();
+        updateGeometry();
+    });
 }
 
 void WrappingText::showPlain(const QString &text, Style::TextRole role, Style::ColourRole colour) {
@@ -38,12 +41,20 @@ void WrappingText::showLink(const QString &html, Style::TextRole role) {
     setHtml(QStringLiteral("<u>%1</u>").arg(html));
 }
 
+void WrappingText::changeEvent(QEvent *event) {
+    if (event->type() == QEvent::FontChange)
+        m_heights.clear();
+    QTextEdit::changeEvent(event);
+}
+
 int WrappingText::heightForWidth(int width) const {
+    if (const auto known = m_heights.constFind(width); known != m_heights.cend())
+        return *known;
     const std::unique_ptr<QTextDocument> copy(document()->clone());
     copy->setDefaultFont(font());
     copy->setDefaultTextOption(document()->defaultTextOption());
     copy->setTextWidth(width);
-    return qCeil(copy->size().height());
+    return *m_heights.insert(width, qCeil(copy->size().height()));
 }
 
 QSize WrappingText::sizeHint() const {

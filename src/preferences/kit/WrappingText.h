@@ -2,6 +2,7 @@
 
 #include "preferences/kit/Style.h"
 
+#include <QHash>
 #include <QTextEdit>
 
 /// Text to read and select, as high as it needs to be. It wraps between words and, where a word is
@@ -23,6 +24,10 @@ public:
     QSize minimumSizeHint() const override;
 
 protected:
+    void changeEvent(QEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
     void wheelEvent(QWheelEvent *event) override;
+
+private:
+    mutable QHash<int, int> m_heights; ///< by width; layouts ask for the same ones many times
 };
