@@ -339,11 +339,28 @@ private Q_SLOTS:
         }
     }
 
+    void textsAreMeasuredAnewWhenTheyChange() {
+        Caption caption("short");
+        WrappingText text("Text");
+        text.setPlainText("short");
+        const int captionHeight = caption.heightForWidth(100);
+        const int textHeight = text.heightForWidth(100);
+        caption.setText(QString("long ").repeated(20));
+        text.setPlainText(caption.text());
+        QVERIFY(caption.heightForWidth(100) > 2 * captionHeight);
+        QVERIFY(text.heightForWidth(100) > 2 * textHeight);
+    }
+
     void looksFollowTheDesktopWhileOpen() {
         Scene scene;
         const QPalette usualPalette = QApplication::palette();
         const QFont usualFont = QApplication::font();
         auto *caption = scene.view->findChild<Caption *>();
+        const auto *example = scene.view->findChild<WrappingText *>();
+        const auto heights = [&] {
+            return QSize(caption->heightForWidth(300), example->heightForWidth(300));
+        };
+        const QSize usualHeights = heights();
         QPalette dark(QColor(40, 40, 40));
         QApplication::setPalette(dark);
         QTRY_COMPARE(caption->palette().color(QPalette::WindowText),
@@ -353,6 +370,8 @@ private Q_SLOTS:
         large.setPixelSize(22); // half as large again as the largest usual size
         QApplication::setFont(large);
         QTRY_COMPARE(caption->font().pixelSize(), 20);
+        QVERIFY(heights().width() > usualHeights.width());
+        QVERIFY(heights().height() > usualHeights.height());
         QCOMPARE(Style::scaled(100), 150);
         const QSize screen = scene.view->screen()->availableSize();
         QTRY_COMPARE(scene.view->size(), QSize(1080, 780).boundedTo(screen));
