@@ -58,7 +58,8 @@ void LogList::show(const QList<LogStore::Entry> &entries) {
     // Without one, the cursor's two ends part as text arrives between them, which selects it.
     if (!hadSelection)
         selection.setPosition(selection.position());
-    if (selection != textCursor())
+    // Cursors are compared by their positions alone.
+    if (selection != textCursor() || selection.anchor() != textCursor().anchor())
         select(selection);
     if (isNew)
         slideToEnd();
