@@ -5,79 +5,48 @@
 #include "storage/LogStore.h"
 #include "storage/Settings.h"
 
-namespace {
-
-/// Time passes for who waits in vain.
-class ManualSemaphore : public Semaphore {
-public:
-    explicit ManualSemaphore(ManualDispatch &dispatch) : m_dispatch(dispatch) {}
-    void signal() override { ++m_count; }
-    bool wait(std::chrono::milliseconds timeout) override {
-        if (m_count > 0) {
-            --m_count;
-            return true;
-        }
-        m_dispatch.sleepUntil(m_dispatch.now() + timeout);
-        return false;
-    }
-
-private:
-    ManualDispatch &m_dispatch;
-    int m_count = 0;
-};
-
-} // namespace
-
 std::shared_ptr<Semaphore> ManualDispatch::makeSemaphore() {
+    struct ManualSemaphore : Semaphore {
+        explicit ManualSemaphore(ManualDispatch &owner) : dispatch(owner) {}
+        void signal() override { ++count; }
+        bool wait(std::chrono::milliseconds timeout) override {
+            if (count == 0)
+                dispatch.sleepUntil(dispatch.now() + timeout); // time passes for who waits in vain
+            return count > 0 && count-- > 0;
+        }
+        ManualDispatch &dispatch;
+        int count = 0;
+    };
     return std::make_shared<ManualSemaphore>(*this);
 }
 
 WorkItem ManualDispatch::after(std::chrono::milliseconds delay, Task task) {
     auto cancelled = std::make_shared<bool>(false);
-    m_timers.append({m_now + delay, cancelled, std::move(task)});
+    m_timers.emplace(m_now + delay, [cancelled, task = std::move(task)] {
+        if (!*cancelled)
+            task();
+    });
     return WorkItem(cancelled);
 }
 
-bool ManualDispatch::runDueTimer() {
-    for (qsizetype i = 0; i < m_timers.size(); ++i) {
-        if (m_timers[i].due > m_now)
-            continue;
-        const Timer timer = m_timers.takeAt(i);
-        if (!*timer.cancelled)
-            timer.task();
-        return true;
-    }
-    return false;
-}
-
-void ManualDispatch::drain() {
-    for (;;) {
-        if (!m_main.empty()) {
-            const Task task = std::move(m_main.front());
-            m_main.pop_front();
-            task();
-        } else if (!m_background.empty()) {
-            const Task task = std::move(m_background.front());
-            m_background.pop_front();
-            onBackground(task);
-        } else if (!runDueTimer()) {
-            return;
-        }
-    }
+bool ManualDispatch::runNext() {
+    Task task;
+    if (!m_main.empty())
+        task = m_main.takeFirst();
+    else if (!m_background.empty())
+        task = [this, work = m_background.takeFirst()] { onBackground(work); };
+    else if (!m_timers.empty() && m_timers.begin()->first <= m_now)
+        task = m_timers.extract(m_timers.begin()).mapped();
+    else
+        return false;
+    task();
+    return true;
 }
 
 void ManualDispatch::advance(std::chrono::milliseconds time) {
     const auto end = m_now + time;
-    drain();
-    for (;;) {
-        auto next = end;
-        for (const Timer &timer : m_timers)
-            next = std::min(next, timer.due);
-        m_now = std::max(m_now, next);
-        drain();
-        if (m_now >= end)
-            return;
-    }
+    for (drain(); m_now < end; drain())
+        m_now = m_timers.empty() ? end : std::min(end, m_timers.begin()->first);
 }
 
 void ManualDispatch::onBackground(const Task &task) {
@@ -86,15 +55,10 @@ void ManualDispatch::onBackground(const Task &task) {
     m_onMain = true;
 }
 
-QByteArray FakePasteboard::nameOf(PasteboardType type) {
-    static const QList<QByteArray> names{"string", "html", "rtf", "rtfd", "url", "file", "table"};
-    return names.at(static_cast<int>(type));
-}
-
 std::optional<QString> FakePasteboard::text(PasteboardType type) {
     for (const PasteboardItem &item : contents.value_or(QList<PasteboardItem>())) {
         for (const PasteboardRepresentation &one : item) {
-            if (one.name == nameOf(type))
+            if (one.name == names.at(static_cast<int>(type)))
                 return QString::fromUtf8(one.data);
         }
     }
@@ -106,16 +70,12 @@ std::optional<QList<QList<PasteboardOffer>>> FakePasteboard::items() {
         return std::nullopt;
     QList<QList<PasteboardOffer>> all;
     for (const PasteboardItem &item : *contents) {
-        QList<PasteboardOffer> offers;
+        all.emplace_back();
         for (const PasteboardRepresentation &one : item) {
-            std::optional<PasteboardType> type;
-            for (int i = 0; i <= static_cast<int>(PasteboardType::TabularText); ++i) {
-                if (nameOf(static_cast<PasteboardType>(i)) == one.name)
-                    type = static_cast<PasteboardType>(i);
-            }
-            offers.append({one.name, type});
+            all.last().append({one.name, {}});
+            if (const auto type = names.indexOf(one.name); type >= 0)
+                all.last().last().type = static_cast<PasteboardType>(type);
         }
-        all.append(offers);
     }
     return all;
 }
@@ -134,102 +94,19 @@ PasteboardItem FakePasteboard::read(qsizetype item, const QList<PasteboardOffer>
 void FakePasteboard::write(const QList<std::pair<PasteboardType, QByteArray>> &flavours) {
     PasteboardItem item;
     for (const auto &[type, data] : flavours)
-        item.append({nameOf(type), {}, data});
-    copy({item});
-}
-
-void FakePasteboard::restore(const QList<PasteboardItem> &items) {
-    copy(items);
-}
-
-void FakePasteboard::copy(const QList<PasteboardItem> &items) {
-    contents = items;
-    ++count;
+        item.append({names.at(static_cast<int>(type)), {}, data});
+    restore({item});
 }
 
 void FakePasteboard::copyText(const QString &text, const QString &html) {
-    PasteboardItem item{{"string", {}, text.toUtf8()}};
+    write({{PasteboardType::String, text.toUtf8()}});
     if (!html.isEmpty())
-        item.append({"html", {}, html.toUtf8()});
-    copy({item});
-}
-
-bool FakeKeyboard::postPaste(quint16 vKey) {
-    if (!canPost)
-        return false;
-    events.append(QStringLiteral("paste %1").arg(vKey));
-    if (onPaste)
-        onPaste();
-    return true;
-}
-
-std::optional<quint32> FakeHotkeys::virtualKey(quint32 nativeScanCode) const {
-    const auto found = virtualKeys.constFind(nativeScanCode);
-    return found == virtualKeys.constEnd() ? std::nullopt : std::optional(*found);
-}
-
-bool FakeHotkeys::add(const KeyCombo &combo, std::function<void()> pressed) {
-    if (taken.contains(combo))
-        return false;
-    registered.append({combo, std::move(pressed)});
-    return true;
-}
-
-ChildResult FakeChildProcess::run(const QString &program, const QStringList &arguments) {
-    runs.append(program + u' ' + arguments.join(u' '));
-    return result;
-}
-
-void FakeNotifications::show(const QString &title, const QString &body,
-                             std::function<void(const QString &)> failed) {
-    if (!failure.isEmpty())
-        failed(failure);
-    else
-        shown.append(title + u'|' + body);
-}
-
-bool MemorySecretStore::add(const QString &service, const QString &account,
-                            const QByteArray &secret) {
-    if (refusesAdditions)
-        return false;
-    secrets.insert(service + u'/' + account, secret);
-    return true;
-}
-
-std::optional<QByteArray> MemorySecretStore::copy(const QString &service, const QString &account) {
-    ++reads;
-    const auto found = secrets.constFind(service + u'/' + account);
-    return found == secrets.constEnd() ? std::nullopt : std::optional(*found);
-}
-
-void MemorySecretStore::remove(const QString &service, const QString &account) {
-    secrets.remove(service + u'/' + account);
-}
-
-UrlSession::TaskId FakeUrlSession::start(const UrlRequest &request, Completion completion) {
-    requests.append(request);
-    const auto answer = answers.constFind(request.url.toString(QUrl::FullyEncoded));
-    if (answer != answers.constEnd())
-        completion(*answer);
-    return static_cast<TaskId>(requests.size());
+        contents->first().append({"html", {}, html.toUtf8()});
 }
 
 FakePlatform::FakePlatform() {
-    Platform platform;
-    platform.dispatch = dispatch;
-    platform.pasteboard = pasteboard;
-    platform.keyboard = keyboard;
-    platform.hotkeys = hotkeys;
-    platform.childProcess = childProcess;
-    platform.notifications = notifications;
-    platform.defaults = defaults;
-    platform.secretStore = secretStore;
-    platform.alerts = alerts;
-    platform.workspace = workspace;
-    platform.urlSession = urlSession;
-    platform.loginItems = loginItems;
-    platform.trayHost = std::make_shared<FakeTrayHost>();
-    Platform::install(std::move(platform));
+    Platform::install({dispatch, pasteboard, keyboard, hotkeys, childProcess, notifications,
+                       defaults, secretStore, alerts, workspace, nullptr, urlSession, loginItems});
     Settings::restart();
     setWording(macWording());
 }

@@ -6,7 +6,7 @@
 #include <QHash>
 #include <QVariantHash>
 
-#include <deque>
+#include <map>
 
 /// A main queue, a background queue and a clock that move only when told.
 class ManualDispatch : public Dispatch {
@@ -20,8 +20,13 @@ public:
     void sleepUntil(Clock::time_point time) override { m_now = std::max(m_now, time); }
     std::shared_ptr<Semaphore> makeSemaphore() override;
 
+    /// Runs one thing that is queued or due; false when there is none.
+    bool runNext();
     /// Runs everything queued, background work included, and every timer that is due.
-    void drain();
+    void drain() {
+        while (runNext()) {
+        }
+    }
     /// Lets time pass timer by timer, draining along the way.
     void advance(std::chrono::milliseconds time);
     /// Runs `task` as if on a background thread.
@@ -29,19 +34,12 @@ public:
     void setWallTime(const QDateTime &time) { m_wall = time; }
 
 private:
-    struct Timer {
-        Clock::time_point due;
-        std::shared_ptr<bool> cancelled;
-        Task task;
-    };
-    bool runDueTimer();
-
     bool m_onMain = true;
     Clock::time_point m_now{};
     QDateTime m_wall{QDate(2026, 1, 2), QTime(14, 3, 9)};
-    std::deque<Task> m_main;
-    std::deque<Task> m_background;
-    QList<Timer> m_timers;
+    QList<Task> m_main;
+    QList<Task> m_background;
+    std::multimap<Clock::time_point, Task> m_timers;
 };
 
 /// A pasteboard of several items in memory. Its native names are short words.
@@ -52,19 +50,24 @@ public:
     std::optional<QList<QList<PasteboardOffer>>> items() override;
     PasteboardItem read(qsizetype item, const QList<PasteboardOffer> &offers) override;
     void write(const QList<std::pair<PasteboardType, QByteArray>> &flavours) override;
-    void restore(const QList<PasteboardItem> &items) override;
+    void restore(const QList<PasteboardItem> &items) override {
+        contents = items;
+        ++count;
+    }
     PasteboardFetches fetches() override { return fetched; }
     void handOver() override {}
 
     /// What the user or another program copies.
-    void copy(const QList<PasteboardItem> &items);
+    void copy(const QList<PasteboardItem> &items) { restore(items); }
     void copyText(const QString &text, const QString &html = {});
-
-    static QByteArray nameOf(PasteboardType type);
 
     std::optional<QList<PasteboardItem>> contents = QList<PasteboardItem>();
     qint64 count = 0;
     PasteboardFetches fetched;
+
+private:
+    /// In the order of PasteboardType.
+    const QList<QByteArray> names{"string", "html", "rtf", "rtfd", "url", "file", "table"};
 };
 
 class FakeKeyboard : public Keyboard {
@@ -74,7 +77,13 @@ public:
     bool isPasswordFieldFocused(std::chrono::milliseconds) override { return passwordField; }
     std::optional<KeyLayout> currentLayout() override { return layout; }
     void settleHeldKeys() override { events.append(QStringLiteral("settle")); }
-    bool postPaste(quint16 vKey) override;
+    bool postPaste(quint16 vKey) override {
+        if (canPost)
+            events.append(QStringLiteral("paste %1").arg(vKey));
+        if (canPost && onPaste)
+            onPaste();
+        return canPost;
+    }
     ScriptedPaste scriptedPaste() const override {
         return {QStringLiteral("/usr/bin/keypresser"), {QStringLiteral("ctrl+v")}};
     }
@@ -90,9 +99,15 @@ public:
 
 class FakeHotkeys : public Hotkeys {
 public:
-    bool add(const KeyCombo &combo, std::function<void()> pressed) override;
+    bool add(const KeyCombo &combo, std::function<void()> pressed) override {
+        if (!taken.contains(combo))
+            registered.append({combo, std::move(pressed)});
+        return !taken.contains(combo);
+    }
     void removeAll() override { registered.clear(); }
-    std::optional<quint32> virtualKey(quint32 nativeScanCode) const override;
+    std::optional<quint32> virtualKey(quint32 scanCode) const override {
+        return virtualKeys.contains(scanCode) ? std::optional(virtualKeys[scanCode]) : std::nullopt;
+    }
 
     QList<std::pair<KeyCombo, std::function<void()>>> registered;
     QList<KeyCombo> taken;
@@ -101,7 +116,10 @@ public:
 
 class FakeChildProcess : public ChildProcess {
 public:
-    ChildResult run(const QString &program, const QStringList &arguments) override;
+    ChildResult run(const QString &program, const QStringList &arguments) override {
+        runs.append(program + u' ' + arguments.join(u' '));
+        return result;
+    }
 
     ChildResult result;
     QStringList runs;
@@ -110,7 +128,12 @@ public:
 class FakeNotifications : public Notifications {
 public:
     void show(const QString &title, const QString &body,
-              std::function<void(const QString &)> failed) override;
+              std::function<void(const QString &)> failed) override {
+        if (!failure.isEmpty())
+            failed(failure);
+        else
+            shown.append(title + u'|' + body);
+    }
 
     QStringList shown; ///< "title|body"
     QString failure;
@@ -143,9 +166,19 @@ private:
 
 class MemorySecretStore : public SecretStore {
 public:
-    bool add(const QString &service, const QString &account, const QByteArray &secret) override;
-    std::optional<QByteArray> copy(const QString &service, const QString &account) override;
-    void remove(const QString &service, const QString &account) override;
+    bool add(const QString &service, const QString &account, const QByteArray &secret) override {
+        if (!refusesAdditions)
+            secrets[service + u'/' + account] = secret;
+        return !refusesAdditions;
+    }
+    std::optional<QByteArray> copy(const QString &service, const QString &account) override {
+        ++reads;
+        const auto found = secrets.constFind(service + u'/' + account);
+        return found == secrets.constEnd() ? std::nullopt : std::optional(*found);
+    }
+    void remove(const QString &service, const QString &account) override {
+        secrets.remove(service + u'/' + account);
+    }
 
     QHash<QString, QByteArray> secrets; ///< by "service/account"
     bool refusesAdditions = false;
@@ -171,11 +204,10 @@ public:
     }
     bool openUrl(const QUrl &url) override {
         urls.append(url.toString());
-        return canOpen;
+        return true;
     }
 
     QStringList urls;
-    bool canOpen = true;
     int opened = 0;
     QString missing;
 };
@@ -183,7 +215,13 @@ public:
 /// Answers each request at once from a script, or never.
 class FakeUrlSession : public UrlSession {
 public:
-    TaskId start(const UrlRequest &request, Completion completion) override;
+    TaskId start(const UrlRequest &request, Completion completion) override {
+        requests.append(request);
+        const auto answer = answers.constFind(request.url.toString(QUrl::FullyEncoded));
+        if (answer != answers.constEnd())
+            completion(*answer);
+        return static_cast<TaskId>(requests.size());
+    }
     void cancel(TaskId task) override { cancelled.append(task); }
     void warmUp() override {}
     void prepareConnection(const QUrl &url) override { prepared.append(url.toString()); }
@@ -198,25 +236,17 @@ public:
 class FakeLoginItems : public LoginItems {
 public:
     Status status() override { return current; }
-    QString add() override {
-        if (error.isEmpty())
-            current = Status::Enabled;
-        return error;
-    }
-    QString remove() override {
-        if (error.isEmpty())
-            current = Status::NotRegistered;
-        return error;
-    }
+    QString add() override { return change(Status::Enabled); }
+    QString remove() override { return change(Status::NotRegistered); }
 
     Status current = Status::NotRegistered;
     QString error;
-};
 
-class FakeTrayHost : public TrayHost {
-public:
-    bool isAvailable() override { return false; }
-    void onChange(std::function<void()>) override {}
+private:
+    QString change(Status wanted) {
+        current = error.isEmpty() ? wanted : current;
+        return error;
+    }
 };
 
 class FakeApp : public AppDelegate {
