@@ -32,95 +32,41 @@ class TestDetection : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void candidates_data() {
-        QTest::addColumn<QString>("plain");
-        QTest::addColumn<QString>("html");
-        QTest::addColumn<QStringList>("expected");
-        QTest::newRow("nothing") << QString() << QString() << QStringList();
-        QTest::newRow("sentence with a link")
-            << u" see https://h/a thanks\n"_qs << QString()
-            << QStringList{"see https://h/a thanks", "https://h/a"};
-        QTest::newRow("a link alone is offered once")
-            << u"https://h/a"_qs << anchor(u"https://h/a"_qs, u"https://h/a"_qs)
-            << QStringList{"https://h/a"};
-        QTest::newRow("what ends a link")
-            << u"(http://a) [http://b] <http://c> 'http://d' \"http://e\" http://f,"_qs << QString()
-            << QStringList{"(http://a) [http://b] <http://c> 'http://d' \"http://e\" http://f,",
-                           "http://a",
-                           "http://b",
-                           "http://c",
-                           "http://d",
-                           "http://e",
-                           "http://f,"};
-        QTest::newRow("anchors first, then other links of the source")
-            << u"t"_qs << u"<img src=\"http://i\"><a href='http://x'>y</a><a href=\"rel\">z</a>"_qs
-            << QStringList{"t", "http://x", "rel", "http://i"};
-        QTest::newRow("either quote closes an anchor")
-            << u"t"_qs << u"<a href=\"http://x'>y</a>"_qs << QStringList{"t", "http://x"};
-        QTest::newRow("upper-case HREF is found as a link")
-            << u"t"_qs << u"<A HREF=\"http://x\">y</A>"_qs << QStringList{"t", "http://x"};
-        QTest::newRow("white space of other scripts ends a link")
-            << u"http://a\u3000b"_qs << QString() << QStringList{u"http://a\u3000b"_qs, "http://a"};
-        QTest::newRow("NUL hides nothing") << QString(u"x\0 http://a"_qs) << QString()
-                                           << QStringList{QString(u"x\0 http://a"_qs), "http://a"};
-    }
-
-    void candidates() {
-        QFETCH(QString, plain);
-        QFETCH(QString, html);
-        QStringList texts;
-        Enrichment::clipboardURLCandidates(plain, html, [&](QStringView text) {
-            if (!texts.contains(text))
-                texts.append(text.toString());
-            return false;
-        });
-        QTEST(texts, "expected");
-    }
-
-    void detection_data() {
-        QTest::addColumn<QString>("plain");
-        QTest::addColumn<QString>("html");
-        QTest::addColumn<QString>("expected");
-        const auto row = [](const char *name, const QString &plain, const QString &html,
-                            const QString &expected) {
-            QTest::newRow(name) << plain << html << expected;
-        };
+    void detection() {
         const QString jira = u"jira "_qs + issue;
         const QString confluence = u"confluence "_qs + page;
         const QString account = u"account "_qs + records + record;
-        row("issue in a sentence", u"see %1 thanks"_qs.arg(issue), {}, jira);
-        row("issue in brackets", u"(%1)"_qs.arg(issue), {}, jira);
-        row("issue with a comma", u"see %1, thanks"_qs.arg(issue), {}, u"nothing"_qs);
-        row("issue behind a title", u"ABC-1 Fix"_qs, anchor(issue, u"ABC-1 Fix"_qs), jira);
-        row("visible page before hidden issue", page, anchor(issue, u"x"_qs), confluence);
-        row("record id", u" 507F1F77BCF86CD799439011\n"_qs, {}, account);
-        row("issue anywhere before a record id", record, anchor(issue, u"x"_qs), jira);
-        row("issue that holds a record id", issue + u"?r="_qs + records + record, {}, jira);
-        row("record link in HTML only", u"t"_qs, anchor(records + record + u"/x"_qs, u"t"_qs),
-            account);
-        row("bare key", u"ABC-1"_qs, {}, u"nothing"_qs);
-    }
-
-    void detection() {
-        QFETCH(QString, plain);
-        QFETCH(QString, html);
-        FakePlatform platform;
-        Settings::shared().accountBaseURL = records;
-        platform.pasteboard->copyText(plain, html);
-        QTEST(describe(Enrichment::detectRef(site)), "expected");
+        const auto link = [](QChar before, QChar after) { return before + issue + after; };
+        const QList<std::tuple<QString, QString, QString>> cases{
+            {u"ABC-1"_qs, {}, u"nothing"_qs},
+            {u"see %1, thanks"_qs.arg(issue), {}, u"nothing"_qs},
+            {u"see "_qs + link(u'(', u')') + u" thanks"_qs, {}, jira},
+            {link(u'[', u']'), {}, jira},
+            {link(u'<', u'>'), {}, jira},
+            {link(u'\'', u'\''), {}, jira},
+            {link(u'"', u'"'), {}, jira},
+            {link(u'\0', u'\u3000') + u'x', {}, jira},
+            {u"ABC-1 Fix"_qs, anchor(issue, u"ABC-1 Fix"_qs), jira},
+            {u"t"_qs, u"<a href='%1\">t</a>"_qs.arg(issue), jira},
+            {u"t"_qs, u"<A HREF=\"%1\">t</A>"_qs.arg(issue), jira},
+            {u"t"_qs, u"<img src=\"%1\">"_qs.arg(issue) + anchor(page, u"t"_qs), confluence},
+            {page, anchor(issue, u"x"_qs), confluence},
+            {u" 507F1F77BCF86CD799439011\n"_qs, {}, account},
+            {record, anchor(issue, u"x"_qs), jira},
+            {issue + u"?r="_qs + records + record, {}, jira},
+            {u"t"_qs, anchor(records + record + u"/x"_qs, u"t"_qs), account},
+        };
+        for (const auto &[plain, html, expected] : cases) {
+            FakePlatform platform;
+            Settings::shared().accountBaseURL = records;
+            platform.pasteboard->copyText(plain, html);
+            QCOMPARE(plain + html + describe(Enrichment::detectRef(site)), plain + html + expected);
+        }
     }
 
     void loneSurrogatesAreReplacedAndPairsKept() {
-        const QString text = u"a\xD83D \xD83D\xDC1E\xDC1E"_qs;
-        QCOMPARE(Enrichment::withoutLoneSurrogates(text), u"a\uFFFD \xD83D\xDC1E\uFFFD"_qs);
-        const QString whole = u"🐞 é"_qs;
-        QCOMPARE(Enrichment::withoutLoneSurrogates(whole), whole);
-    }
-
-    void recordIdsAreOffWithoutABase() {
-        FakePlatform platform;
-        platform.pasteboard->copyText(record);
-        QVERIFY(!Enrichment::detectRef(site));
+        QCOMPARE(Enrichment::withoutLoneSurrogates(u"a\xD83D \xD83D\xDC1E\xDC1E"_qs),
+                 u"a\uFFFD \xD83D\xDC1E\uFFFD"_qs);
     }
 };
 
