@@ -1,7 +1,6 @@
 #include "platform/linux/AccessibleFocus.h"
 #include "platform/linux/DBusNotifications.h"
 #include "platform/linux/SecretServiceStore.h"
-#include "stage/Actors.h"
 #include "stage/Keyring.h"
 #include "stage/VirtualDesktop.h"
 #include "support/NotificationLog.h"
@@ -19,7 +18,7 @@ class TestServices : public QObject {
 private Q_SLOTS:
     void initTestCase() {
         m_desktop = std::make_unique<VirtualDesktop>(
-            DesktopOptions{.notifications = true, .keyring = true, .accessibility = true});
+            DesktopOptions{.notifications = true, .keyring = true});
         QVERIFY2(m_desktop->problem().isEmpty(), qPrintable(m_desktop->problem()));
         for (const char *name : {"DISPLAY", "DBUS_SESSION_BUS_ADDRESS", "XDG_RUNTIME_DIR"})
             qputenv(name, m_desktop->environment().value(name).toLocal8Bit());
@@ -34,13 +33,11 @@ private Q_SLOTS:
         QStringList failures;
         const auto failed = [&](const QString &reason) { failures.append(reason); };
         notifications.show("Brindle", "a <b> & \"c\" é 🐞", failed);
-        notifications.show("Brindle & Co", "2", failed);
-        QVERIFY(shown.waitForAccepted(2));
+        QVERIFY(shown.waitForAccepted(1));
         const auto first = shown.notifications().constFirst();
         QCOMPARE(first.application, "Brindle");
         QCOMPARE(first.title, "Brindle");
         QCOMPARE(first.body, "a &lt;b&gt; &amp; \"c\" é 🐞"); // this server takes markup
-        QCOMPARE(shown.notifications().constLast().title, "Brindle & Co");
         QVERIFY(failures.isEmpty());
     }
 
@@ -54,25 +51,9 @@ private Q_SLOTS:
         store.remove(service, "a");
         QVERIFY(!store.copy(service, "a"));
         QCOMPARE(store.copy(service, "b"), QByteArray("two"));
-    }
-
-    void passwordFieldInFocusIsFound() {
-        PasteTarget target(*m_desktop);
-        QVERIFY(!target.waitForEvent("focused").isEmpty());
-        QVERIFY(!AccessibleFocus::isPasswordField(5s));
-        QVERIFY(target.command("password on"));
-        // The application tells the accessibility bus in its own time.
-        QVERIFY(waitFor([] { return AccessibleFocus::isPasswordField(5s); }));
-        QVERIFY(target.command("password off"));
-        QVERIFY(waitFor([] { return !AccessibleFocus::isPasswordField(5s); }));
-    }
-
-    void lockedKeyringRefuses() {
-        SecretServiceStore store;
-        QVERIFY(store.add("s", "locked", "x"));
         QVERIFY(lockKeyring(*m_desktop));
-        QVERIFY(!store.add("s", "locked", "y"));
-        QVERIFY(!store.copy("s", "locked"));
+        QVERIFY(!store.add(service, "b", "three"));
+        QVERIFY(!store.copy(service, "b"));
     }
 
     // Last: the bus goes away with the desktop.

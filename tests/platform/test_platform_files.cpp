@@ -1,3 +1,4 @@
+#include "platform/linux/AutostartEntry.h"
 #include "platform/linux/SettingsFile.h"
 
 #include <QDir>
@@ -24,7 +25,7 @@ void write(const QString &path, const QByteArray &content) {
 
 } // namespace
 
-class TestSettingsFile : public QObject {
+class TestFiles : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -43,7 +44,6 @@ private Q_SLOTS:
             file.set("empty", QString());
             file.set("number", qint64{4294967295});
             file.set("off", false);
-            file.set("on", true);
             file.set("real", 1234567890.125);
             file.set("data", bytes);
             file.set("gone", 1);
@@ -54,40 +54,29 @@ private Q_SLOTS:
         QCOMPARE(file.string("empty"), QString());
         QCOMPARE(file.integer("number"), 4294967295);
         QCOMPARE(file.boolean("off"), false);
-        QCOMPARE(file.boolean("on"), true);
         QCOMPARE(file.real("real"), 1234567890.125);
         QCOMPARE(file.data("data"), bytes);
         QVERIFY(!file.string("gone"));
     }
 
-    void valuesOfTheWrongType_data() {
-        QTest::addColumn<QByteArray>("line");
-        QTest::addColumn<QString>("string");
-        QTest::addColumn<qint64>("integer"); // -1 for none
-        QTest::addColumn<int>("boolean");    // -1 for none
-        QTest::newRow("word") << QByteArray("k=maybe") << "maybe" << qint64{-1} << -1;
-        QTest::newRow("number") << QByteArray("k=12") << "12" << qint64{12} << -1;
-        QTest::newRow("one") << QByteArray("k=1") << "1" << qint64{1} << 1;
-        QTest::newRow("switch") << QByteArray("k=False") << "False" << qint64{-1} << 0;
-        QTest::newRow("too large")
-            << QByteArray("k=99999999999999999999") << "99999999999999999999" << qint64{-1} << -1;
-        QTest::newRow("text with a comma")
-            << QByteArray("k={key}, {summary}") << "{key}, {summary}" << qint64{-1} << -1;
-        QTest::newRow("text with a comma and an at sign")
-            << QByteArray("k=@{key}, {summary}") << "@{key}, {summary}" << qint64{-1} << -1;
-        QTest::newRow("bytes of a strange kind")
-            << QByteArray("k=@Variant(\\0\\0)") << QString() << qint64{-1} << -1;
-    }
-
     void valuesOfTheWrongType() {
-        QFETCH(QByteArray, line);
-        write(m_path, "[General]\n" + line + "\n");
-        const SettingsFile file(m_path);
-        QTEST(file.string("k").value_or(QString()), "string");
-        QTEST(file.integer("k").value_or(-1), "integer");
-        const auto boolean = file.boolean("k");
-        QTEST(boolean ? int(*boolean) : -1, "boolean");
-        QVERIFY(!file.data("k"));
+        const QList<std::tuple<QString, std::optional<qint64>, std::optional<bool>>> cases{
+            {"maybe", {}, {}},
+            {"12", 12, {}},
+            {"1", 1, true},
+            {"False", {}, false},
+            {"{key}, {summary}", {}, {}},
+            {"@{key}, {summary}", {}, {}},
+            {"99999999999999999999", {}, {}},
+        };
+        for (const auto &[text, integer, boolean] : cases) {
+            write(m_path, "[General]\nk=" + text.toUtf8() + "\nv=@Variant(\\0\\0)\n");
+            const SettingsFile file(m_path);
+            QCOMPARE(file.string("k"), text);
+            QCOMPARE(file.integer("k"), integer);
+            QCOMPARE(file.boolean("k"), boolean);
+            QVERIFY(!file.data("k") && !file.string("v"));
+        }
     }
 
     void damagedFileIsKeptAsideBeforeItIsReplaced() {
@@ -146,6 +135,30 @@ private Q_SLOTS:
         QCOMPARE(SettingsFile(m_path).string("k"), QString("v"));
     }
 
+    void foreignAutostartEntryIsReadAndNeverTouched() {
+        using Status = LoginItems::Status;
+        const QList<std::pair<QByteArray, Status>> cases{
+            {"TryExec=/bin/sh\n[Desktop Action x]\nHidden=true\n", Status::Enabled},
+            {"Hidden=true\n", Status::RequiresApproval},
+            {"X-GNOME-Autostart-enabled=false\n", Status::RequiresApproval},
+            {"TryExec=/nowhere/brindle\nHidden=true\n", Status::NotFound},
+        };
+        qputenv("XDG_CONFIG_HOME", m_folder->path().toLocal8Bit());
+        AutostartEntry entry;
+        QCOMPARE(entry.status(), Status::NotRegistered);
+        QCOMPARE(entry.remove(), QString());
+        QVERIFY(QDir(m_folder->path()).mkdir("autostart"));
+        const QString path = m_folder->filePath("autostart/org.ostrowind.brindle.desktop");
+        for (const auto &[lines, status] : cases) {
+            const QByteArray foreign = "[Desktop Entry]\nExec=other\n" + lines;
+            write(path, foreign);
+            QCOMPARE(entry.status(), status);
+            QVERIFY(!entry.add().isEmpty());
+            QVERIFY(!entry.remove().isEmpty());
+            QCOMPARE(contentOf(path), foreign);
+        }
+    }
+
 private:
     void listen(SettingsFile &file) {
         file.onProblem([this](const QString &problem) { m_problems.append(problem); });
@@ -156,5 +169,5 @@ private:
     QStringList m_problems;
 };
 
-QTEST_GUILESS_MAIN(TestSettingsFile)
-#include "test_platform_settings_file.moc"
+QTEST_GUILESS_MAIN(TestFiles)
+#include "test_platform_files.moc"
