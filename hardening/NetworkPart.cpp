@@ -1,8 +1,8 @@
 #include "hardening/Parts.h"
 
-#include "e2e/Keyring.h"
 #include "stage/Actors.h"
 #include "stage/BrindleProcess.h"
+#include "stage/Keyring.h"
 #include "stage/LoopbackGateway.h"
 #include "support/NotificationLog.h"
 

@@ -1,9 +1,9 @@
 #include "hardening/Parts.h"
 
-#include "e2e/Keyring.h"
 #include "stage/Actors.h"
 #include "stage/BrindleProcess.h"
 #include "stage/ClipboardReader.h"
+#include "stage/Keyring.h"
 #include "stage/VirtualKeyboard.h"
 
 #include <QDir>

@@ -1,0 +1,73 @@
+#pragma once
+
+#include "stage/Actors.h"
+#include "stage/BrindleProcess.h"
+#include "stage/ClipboardReader.h"
+#include "stage/Keyring.h"
+#include "stage/VirtualDesktop.h"
+#include "stage/VirtualKeyboard.h"
+#include "stage/Windows.h"
+#include "support/NotificationLog.h"
+
+#include <QTest>
+
+#include <csignal>
+
+inline const QString record = "507f1f77bcf86cd799439011";
+inline const QString recordLink = "https://r.example/507f1f77bcf86cd799439011";
+
+/// A desktop and what is needed to start Brindle on it, as a user with an address and a token or,
+/// without a keyring, as one who lacks the token.
+struct Scene {
+    explicit Scene(DesktopOptions options = {.keyring = true})
+        : desktop(options),
+          keys(desktop.keyboardDisplay()),
+          shown(desktop.busAddress()),
+          isStored(!options.keyring || storeToken(desktop, "jira-api-token", "jira-secret")) {}
+
+    void start(QMap<QString, QString> settings = {}, const QString &program = BRINDLE_PROGRAM,
+               const QStringList &arguments = {}) {
+        settings.insert({{"jiraEmail", "ann@h.example"}, {"accountBaseURL", "https://r.example/"}});
+        brindle = std::make_unique<BrindleProcess>(desktop, settings, program, arguments);
+    }
+
+    bool isUp() { return desktop.problem().isEmpty() && isStored && brindle->isUp(); }
+
+    /// Puts an application in front, to be pasted into; false if it does not come.
+    bool openTarget(const QStringList &arguments = {}) {
+        target = std::make_unique<PasteTarget>(desktop, arguments);
+        return waitFor([this] { return target->hasFocus(); });
+    }
+
+    /// The hotkey, from its first key to its last.
+    static QList<int> hotkey() {
+        return {keyCode(KEY_LEFTCTRL), keyCode(KEY_LEFTALT), keyCode(KEY_LEFTMETA), keyCode(KEY_V)};
+    }
+    void press() { keys.chord({hotkey()[0], hotkey()[1], hotkey()[2], hotkey()[3]}); }
+
+    QString clipboard(const QString &name = "UTF8_STRING") {
+        return QString::fromUtf8(
+            ClipboardReader(desktop.display()).data(name).value_or("(nothing)"));
+    }
+    bool clipboardBecomes(const QString &text) {
+        return waitFor([&] { return clipboard() == text; });
+    }
+    bool shows(const QString &title) {
+        return waitFor([&] { return windowTitles(desktop.display()).contains(title); });
+    }
+    bool hasEnded() {
+        return waitFor([this] { return brindle->state() == QProcess::NotRunning; }) &&
+               brindle->exitStatus() == QProcess::NormalExit;
+    }
+
+    VirtualDesktop desktop;
+    VirtualKeyboard keys;
+    NotificationLog shown;
+    bool isStored;
+    std::unique_ptr<BrindleProcess> brindle;
+    std::unique_ptr<PasteTarget> target;
+};
+
+inline QList<OwnedFlavour> copied(const QString &text) {
+    return {{"text/html", "<p>" + text.toUtf8() + "</p>"}, {"UTF8_STRING", text.toUtf8()}};
+}
