@@ -41,7 +41,7 @@ public:
         const std::scoped_lock lock(m_mutex);
         return m_value;
     }
-    Setting &operator=(const T &value);
+    Setting &operator=(T value);
     Setting &operator=(const Setting &) = delete;
 
 private:

@@ -100,11 +100,11 @@ Setting<T>::Setting(Settings &owner, const QString &key, const Load &load, After
     : m_owner(owner), m_key(key), m_value(load(store(), key)), m_afterStore(afterStore) {}
 
 template <class T>
-Setting<T> &Setting<T>::operator=(const T &value) {
+Setting<T> &Setting<T>::operator=(T value) {
     Q_EMIT m_owner.willChange();
     const T previous = [&] {
         const std::scoped_lock lock(m_mutex);
-        return std::exchange(m_value, value);
+        return std::exchange(m_value, std::move(value));
     }();
     if (const auto stored = storedForm(m_value))
         store().set(m_key, *stored);

@@ -78,7 +78,7 @@ private Q_SLOTS:
         QCOMPARE(settings.cloudId(), QString()); // that of another site
         settings.email = u"ann@b.example"_qs;
         settings.cloudId = u"c-1"_qs;
-        settings.baseURL = u"https://b.example"_qs;
+        settings.baseURL = settings.baseURL(); // the same again
         settings.hotkeyKeyCode = 38;
         settings.hotkeyModifiers = 256;
         settings.hotkey2KeyCode = 49;
