@@ -32,6 +32,7 @@ public:
         return 0;
     }
     void cancel(TaskId) override { require(false, "an answered request is not cancelled"); }
+    void warmUp() override {}
     void prepareConnection(const QUrl &) override {}
 
     Fuzz::Fields *fields = nullptr;

@@ -42,16 +42,21 @@ void replaceEach(QString &text, QLatin1StringView token, const QString &value) {
 /// unpaired one just vanish.
 void resolveCommentBlocks(QString &text, bool isComment) {
     constexpr QLatin1StringView opening = "<c>"_L1, closing = "</c>"_L1;
-    for (qsizetype open = text.indexOf(opening); open >= 0;) {
-        const qsizetype close = text.indexOf(closing, open + opening.size());
+    QString resolved;
+    qsizetype done = 0;
+    for (;;) {
+        const qsizetype open = text.indexOf(opening, done);
+        const qsizetype inside = open + opening.size();
+        const qsizetype close = open < 0 ? -1 : text.indexOf(closing, inside);
         if (close < 0)
             break;
+        resolved += QStringView(text).sliced(done, open - done);
         if (isComment)
-            text.remove(close, closing.size()).remove(open, opening.size());
-        else
-            text.remove(open, close + closing.size() - open);
-        open = text.indexOf(opening, isComment ? close - opening.size() : open);
+            resolved += QStringView(text).sliced(inside, close - inside);
+        done = close + closing.size();
     }
+    if (done > 0)
+        text = resolved.append(QStringView(text).sliced(done));
     replaceEach(text, opening, QString());
     replaceEach(text, closing, QString());
 }
