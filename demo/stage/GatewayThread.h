@@ -5,7 +5,6 @@
 #include <QThread>
 
 #include <functional>
-#include <memory>
 
 /// A LoopbackGateway on a thread of its own, for a program whose own thread does not always run an
 /// event loop. It answers from the constructor to the destructor.
@@ -25,6 +24,5 @@ public:
 
 private:
     QThread m_thread;
-    QObject m_context; ///< lives on the thread
-    std::unique_ptr<LoopbackGateway> m_gateway;
+    LoopbackGateway *m_gateway; ///< lives on the thread and ends with it
 };
