@@ -18,7 +18,7 @@ struct Flavour {
     QByteArray name, type, data;
 };
 
-enum class Manners { Normal, NeverAnswers, AnswersTargetsOnly, DiesMidTransfer };
+enum class Manners { Normal, NeverAnswers, AnswersTargetsOnly, NeverRefuses, DiesMidTransfer };
 
 struct Transfer {
     xcb_window_t requestor;
@@ -79,7 +79,8 @@ private:
     void request(const xcb_selection_request_event_t &asked) {
         const QByteArray name = m_x.atomName(asked.target);
         const bool swallows = m_manners == Manners::NeverAnswers ||
-                              (m_manners == Manners::AnswersTargetsOnly && name != "TARGETS");
+                              (m_manners == Manners::AnswersTargetsOnly && name != "TARGETS") ||
+                              (m_manners == Manners::NeverRefuses && !isOwned(name));
         say(swallows ? u"swallowed"_s : u"request"_s, {{u"target"_s, QString::fromLatin1(name)}});
         if (swallows)
             return;
@@ -93,6 +94,11 @@ private:
         answer.time = asked.time;
         answer.property = served ? property : xcb_atom_t(XCB_NONE);
         xcb_send_event(m_x.get(), 0, asked.requestor, 0, reinterpret_cast<const char *>(&answer));
+    }
+
+    bool isOwned(const QByteArray &name) const {
+        return name == "TARGETS" || std::any_of(m_flavours.cbegin(), m_flavours.cend(),
+                                                [&](const Flavour &f) { return f.name == name; });
     }
 
     // Puts the answer, or the beginning of one in chunks, into the requestor's property.
@@ -232,6 +238,7 @@ int main(int argc, char **argv) {
     parser.addOptions({{u"flavour"_s, u"name[>type]=text or =@file, in order"_s, u"flavour"_s},
                        {u"never-answer"_s, u"swallow every request"_s},
                        {u"targets-only"_s, u"swallow every request but TARGETS"_s},
+                       {u"never-refuse"_s, u"swallow requests for what is not there"_s},
                        {u"slow"_s, u"send in small chunks"_s, u"bytes per second"_s, u"0"_s},
                        {u"die-mid-transfer"_s, u"exit after the first chunk"_s}});
     parser.process(application);
@@ -246,6 +253,7 @@ int main(int argc, char **argv) {
     }
     const Manners manners = parser.isSet(u"never-answer"_s)       ? Manners::NeverAnswers
                             : parser.isSet(u"targets-only"_s)     ? Manners::AnswersTargetsOnly
+                            : parser.isSet(u"never-refuse"_s)     ? Manners::NeverRefuses
                             : parser.isSet(u"die-mid-transfer"_s) ? Manners::DiesMidTransfer
                                                                   : Manners::Normal;
     return Owner(flavours, manners, parser.value(u"slow"_s).toLongLong()).run();

@@ -95,6 +95,10 @@ private Q_SLOTS:
             const ClipboardOwner good(*m_desktop, {{"UTF8_STRING", "fine"}});
             QTRY_COMPARE(m_ports->pasteboard->text(PasteboardType::String), "fine");
         }
+        // One that is silent only about what it does not offer is read nevertheless.
+        const ClipboardOwner odd(*m_desktop, {{"text/plain;charset=utf-8", "odd"}},
+                                 {"--never-refuse"});
+        QTRY_COMPARE(m_ports->pasteboard->text(PasteboardType::String), "odd");
     }
 
     void snapshotComesBackByteForByte() {

@@ -123,15 +123,22 @@ X11Pasteboard::convert(const QList<QByteArray> &names) {
 
 void X11Pasteboard::keep(const QList<QByteArray> &names,
                          const QList<std::optional<X11SelectionReader::Data>> &answers) {
+    const auto offers = m_reading.offers.value_or(QList<PasteboardOffer>());
+    bool isOfferOwed = false;
     for (qsizetype i = 0; i < names.size(); ++i) {
         auto &entry = m_reading.data[names[i]];
         if (answers[i])
             entry = PasteboardRepresentation{
                 names[i], m_x11->atomNames({answers[i]->type}).constFirst(), answers[i]->bytes};
+        else
+            isOfferOwed = isOfferOwed || std::any_of(offers.begin(), offers.end(),
+                                                     [&](const PasteboardOffer &offer) {
+                                                         return offer.name == names[i];
+                                                     });
     }
-    if (m_reader->ownerIsSilent()) {
+    if (m_reader->ownerIsSilent() && isOfferOwed) {
         // What it did not give now it will not give in this turn either; nobody waits for it twice.
-        for (const PasteboardOffer &offer : m_reading.offers.value_or(QList<PasteboardOffer>()))
+        for (const PasteboardOffer &offer : offers)
             m_reading.data.insert(offer.name, m_reading.data.value(offer.name));
     }
 }
