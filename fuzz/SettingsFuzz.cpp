@@ -1,6 +1,6 @@
 #include "fakes/FakePlatform.h"
 #include "fuzz/Fuzz.h"
-#include "platform/linux/SettingsFile.h"
+#include "platform/qt/SettingsFile.h"
 #include "storage/Settings.h"
 
 #include <QDebug>

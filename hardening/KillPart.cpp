@@ -3,8 +3,8 @@
 
 #include "model/AppInfo.h"
 #include "platform/Platform.h"
-#include "platform/linux/QtDispatch.h"
-#include "platform/linux/SettingsFile.h"
+#include "platform/qt/QtDispatch.h"
+#include "platform/qt/SettingsFile.h"
 #include "stage/StageProcess.h"
 #include "storage/Settings.h"
 

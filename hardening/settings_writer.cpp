@@ -3,8 +3,8 @@
 
 #include "hardening/WrittenRounds.h"
 #include "platform/Platform.h"
-#include "platform/linux/QtDispatch.h"
-#include "platform/linux/SettingsFile.h"
+#include "platform/qt/QtDispatch.h"
+#include "platform/qt/SettingsFile.h"
 #include "stage/JsonLines.h"
 #include "storage/Settings.h"
 

@@ -1,9 +1,9 @@
 #include "preferences/ConfluenceTab.h"
 
-#include "preferences/TemplateFieldBlock.h"
-#include "preferences/TemplatePreview.h"
 #include "preferences/kit/Caption.h"
 #include "preferences/kit/Style.h"
+#include "preferences/template/TemplateFieldBlock.h"
+#include "preferences/template/TemplatePreview.h"
 #include "storage/Settings.h"
 
 #include <QVBoxLayout>

@@ -5,14 +5,14 @@
 #include "platform/Platform.h"
 #include "platform/wording.h"
 #include "preferences/FormatPicker.h"
-#include "preferences/HotkeyRecorder.h"
 #include "preferences/SettingsBinding.h"
-#include "preferences/TemplatePreview.h"
+#include "preferences/hotkey/HotkeyRecorder.h"
 #include "preferences/kit/Caption.h"
 #include "preferences/kit/FieldLabel.h"
 #include "preferences/kit/SectionHeader.h"
 #include "preferences/kit/Switch.h"
 #include "preferences/kit/WrappingText.h"
+#include "preferences/template/TemplatePreview.h"
 
 #include <QHBoxLayout>
 #include <QPointer>

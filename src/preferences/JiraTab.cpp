@@ -1,10 +1,10 @@
 #include "preferences/JiraTab.h"
 
-#include "preferences/EmojiTable.h"
-#include "preferences/TemplateFieldBlock.h"
-#include "preferences/TemplatePreview.h"
+#include "preferences/emoji/EmojiTable.h"
 #include "preferences/kit/Caption.h"
 #include "preferences/kit/Style.h"
+#include "preferences/template/TemplateFieldBlock.h"
+#include "preferences/template/TemplatePreview.h"
 #include "storage/Settings.h"
 
 #include <QVBoxLayout>

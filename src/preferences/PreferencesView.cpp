@@ -1,11 +1,11 @@
 #include "preferences/PreferencesView.h"
 
 #include "preferences/ConfluenceTab.h"
-#include "preferences/ConnectionTab.h"
 #include "preferences/GeneralTab.h"
 #include "preferences/IdLinksTab.h"
 #include "preferences/JiraTab.h"
 #include "preferences/SidebarRow.h"
+#include "preferences/connection/ConnectionTab.h"
 #include "preferences/kit/AccessibleRole.h"
 #include "preferences/kit/SlimScrollBar.h"
 #include "preferences/kit/Style.h"

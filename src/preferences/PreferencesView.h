@@ -1,7 +1,7 @@
 #pragma once
 
 #include "preferences/PreferencesTab.h"
-#include "preferences/TemplatePreviewSource.h"
+#include "preferences/template/TemplatePreviewSource.h"
 
 #include <QHash>
 #include <QStackedWidget>

@@ -1,5 +1,5 @@
 #include "platform/linux/AutostartEntry.h"
-#include "platform/linux/SettingsFile.h"
+#include "platform/qt/SettingsFile.h"
 
 #include <QDir>
 #include <QElapsedTimer>

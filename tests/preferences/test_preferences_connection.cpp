@@ -1,7 +1,7 @@
 #include "fakes/FakePlatform.h"
-#include "preferences/ConnectionTab.h"
-#include "preferences/TemplatePreview.h"
+#include "preferences/connection/ConnectionTab.h"
 #include "preferences/kit/ResultLine.h"
+#include "preferences/template/TemplatePreview.h"
 #include "storage/Settings.h"
 
 #include <QLabel>

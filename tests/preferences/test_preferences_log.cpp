@@ -1,5 +1,5 @@
 #include "fakes/FakePlatform.h"
-#include "preferences/LogView.h"
+#include "preferences/log/LogView.h"
 #include "storage/LogStore.h"
 
 #include <QPushButton>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/TrayHost.h"
-#include "platform/linux/x11/X11Connection.h"
+#include "platform/x11/X11Connection.h"
 
 #include <QObject>
 

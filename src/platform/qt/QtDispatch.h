@@ -1,0 +1,27 @@
+#pragma once
+
+#include "platform/Dispatch.h"
+#include "platform/qt/WorkQueue.h"
+
+#include <QObject>
+#include <QThreadPool>
+
+/// Dispatch on the Qt event loop and a thread pool. Created on the main thread.
+class QtDispatch : public Dispatch {
+public:
+    QtDispatch();
+    ~QtDispatch() override;
+
+    bool isMainThread() const override;
+    void toMain(Task task) override;
+    void toBackground(Task task) override;
+    WorkItem after(std::chrono::milliseconds delay, Task task) override;
+    Clock::time_point now() const override;
+    QDateTime wallTime() const override;
+    void sleepUntil(Clock::time_point time) override;
+    std::shared_ptr<Semaphore> makeSemaphore() override;
+
+private:
+    WorkQueue m_mainContext;
+    QThreadPool m_pool;
+};

@@ -1,0 +1,239 @@
+#include "platform/qt/QtUrlSession.h"
+
+#include "platform/qt/HandOver.h"
+
+#include <QNetworkAccessManager>
+#include <QNetworkReply>
+#include <QSslConfiguration>
+#include <QSslSocket>
+#include <QTimer>
+
+namespace {
+
+constexpr int mostRedirects = 10;
+
+QString origin(const QUrl &url) {
+    const bool isHttps = url.scheme() == u"https";
+    return url.scheme() + u'/' + url.host().toLower() + u'/' +
+           QString::number(url.port(isHttps ? 443 : 80));
+}
+
+} // namespace
+
+/// One request with its redirects. Lives on the session's thread and deletes itself when done.
+class QtUrlSession::Task : public QObject {
+public:
+    Task(QtUrlSession &session, TaskId id, const UrlRequest &request, Completion completion)
+        : QObject(&session.m_context),
+          m_session(session),
+          m_id(id),
+          m_request(request),
+          m_completion(std::move(completion)) {
+        m_idle.setSingleShot(true);
+        m_idle.setInterval(request.idleTimeout);
+        m_total.setSingleShot(true);
+        m_total.setInterval(longestRequest);
+        const auto timedOut = [this] { fail(QStringLiteral("The request timed out.")); };
+        connect(&m_idle, &QTimer::timeout, this, timedOut);
+        connect(&m_total, &QTimer::timeout, this, timedOut);
+        m_total.start();
+        send();
+    }
+
+    ~Task() override { dropReply(); }
+
+    void fail(const QString &reason) { finish({std::nullopt, {}, reason}); }
+
+private:
+    void send() {
+        m_body.clear();
+        m_idle.start();
+        m_reply = m_session.manager().get(m_session.networkRequest(m_request));
+        connect(m_reply, &QNetworkReply::readyRead, this, &Task::read);
+        connect(m_reply, &QNetworkReply::metaDataChanged, &m_idle, qOverload<>(&QTimer::start));
+        connect(m_reply, &QNetworkReply::finished, this, &Task::replied);
+    }
+
+    void read() {
+        m_idle.start();
+        m_body += m_reply->readAll();
+        if (m_body.size() > largestBody)
+            fail(QStringLiteral("The response is too large."));
+    }
+
+    void replied() {
+        read();
+        if (!m_reply) // too large
+            return;
+        const QVariant status = m_reply->attribute(QNetworkRequest::HttpStatusCodeAttribute);
+        // Qt calls a status of 400 and above an error too; to us it is a response, unless the
+        // connection broke before it was whole.
+        const bool isHttpError = m_reply->error() >= QNetworkReply::ContentAccessDenied;
+        if (!status.isValid() || (m_reply->error() != QNetworkReply::NoError && !isHttpError)) {
+            fail(reasonOf(*m_reply));
+            return;
+        }
+        if (followRedirect(status.toInt()))
+            return;
+        finish({status.toInt(), m_body, {}});
+    }
+
+    /// Qt's texts name the URL and the reason; neither holds a credential.
+    static QString reasonOf(const QNetworkReply &reply) {
+        return reply.error() == QNetworkReply::NoError ? QStringLiteral("No response.")
+                                                       : reply.errorString();
+    }
+
+    bool followRedirect(int status) {
+        static constexpr int redirects[] = {301, 302, 303, 307, 308};
+        const QByteArray location = m_reply->rawHeader("Location");
+        if (std::find(std::begin(redirects), std::end(redirects), status) == std::end(redirects) ||
+            location.isEmpty())
+            return false;
+        const QUrl target = m_request.url.resolved(QUrl::fromEncoded(location));
+        if (m_request.url.scheme() == u"https" && target.scheme() != u"https") {
+            fail(QStringLiteral("The server redirected to an address that is not secure."));
+            return true;
+        }
+        // Brindle talks to nobody but the hosts it was told to talk to.
+        if (target.host().compare(m_request.url.host(), Qt::CaseInsensitive) != 0)
+            return false;
+        if (++m_redirects > mostRedirects) {
+            fail(QStringLiteral("The server redirected too many times."));
+            return true;
+        }
+        if (origin(target) != origin(m_request.url)) {
+            m_request.headers.removeIf([](const auto &header) {
+                return header.first.compare("Authorization", Qt::CaseInsensitive) == 0;
+            });
+        }
+        m_request.url = target;
+        dropReply();
+        send();
+        return true;
+    }
+
+    void dropReply() {
+        if (!m_reply)
+            return;
+        QNetworkReply *reply = std::exchange(m_reply, nullptr);
+        reply->disconnect(this);
+        reply->abort();
+        reply->deleteLater();
+    }
+
+    void finish(const UrlResponse &response) {
+        m_idle.stop();
+        m_total.stop();
+        dropReply();
+        m_session.m_tasks.remove(m_id);
+        deleteLater();
+        if (const auto completion = std::exchange(m_completion, nullptr))
+            completion(response);
+    }
+
+    QtUrlSession &m_session;
+    TaskId m_id;
+    UrlRequest m_request;
+    Completion m_completion;
+    QNetworkReply *m_reply = nullptr;
+    QByteArray m_body;
+    int m_redirects = 0;
+    QTimer m_idle{this};
+    QTimer m_total{this};
+};
+
+QtUrlSession::QtUrlSession() {
+    m_context.moveToThread(&m_thread);
+}
+
+QtUrlSession::~QtUrlSession() {
+    if (!m_thread.isRunning())
+        return;
+    // Requests still under way end here, with an answer for whoever waits.
+    HandOver::give();
+    QMetaObject::invokeMethod(
+        &m_context,
+        [this] {
+            HandOver::take();
+            const QList<Task *> tasks = m_tasks.values();
+            for (Task *task : tasks)
+                task->fail(QStringLiteral("Brindle is quitting."));
+            const QObjectList ended = m_context.children();
+            qDeleteAll(ended);
+            m_manager.reset();
+            m_context.moveToThread(nullptr);
+            HandOver::give();
+        },
+        Qt::BlockingQueuedConnection);
+    HandOver::take();
+    m_thread.quit();
+    m_thread.wait();
+}
+
+void QtUrlSession::onThread(std::function<void()> work) {
+    // Whoever comes first starts the thread; starting a running one does nothing.
+    m_thread.start();
+    m_context.post(std::move(work));
+}
+
+QNetworkAccessManager &QtUrlSession::manager() {
+    if (!m_manager)
+        m_manager = std::make_unique<QNetworkAccessManager>();
+    return *m_manager;
+}
+
+UrlSession::TaskId QtUrlSession::start(const UrlRequest &request, Completion completion) {
+    const TaskId id = ++m_lastTask;
+    onThread(
+        [this, id, request, completion = std::move(completion)] { send(id, request, completion); });
+    return id;
+}
+
+void QtUrlSession::send(TaskId id, const UrlRequest &request, const Completion &completion) {
+    m_tasks.insert(id, new Task(*this, id, request, completion));
+}
+
+void QtUrlSession::cancel(TaskId task) {
+    onThread([this, task] {
+        if (Task *running = m_tasks.value(task))
+            running->fail(QStringLiteral("The request was cancelled."));
+    });
+}
+
+void QtUrlSession::warmUp() {
+    if (m_isWarm.exchange(true))
+        return;
+    onThread([this] {
+        manager();
+        QSslSocket::supportsSsl(); // loads the TLS library and its certificates
+    });
+}
+
+void QtUrlSession::prepareConnection(const QUrl &url) {
+    onThread([this, url] {
+        const QNetworkRequest request = networkRequest({url, {}, {}});
+        // Only with the protocols offered that a request offers does it find this connection.
+        QSslConfiguration configuration = request.sslConfiguration();
+        configuration.setAllowedNextProtocols(
+            {QSslConfiguration::ALPNProtocolHTTP2, QSslConfiguration::NextProtocolHttp1_1});
+        manager().connectToHostEncrypted(request.url().host(),
+                                         static_cast<quint16>(request.url().port(443)),
+                                         configuration, request.peerVerifyName());
+    });
+}
+
+QNetworkRequest QtUrlSession::networkRequest(const UrlRequest &request) const {
+    QNetworkRequest network(request.url);
+    for (const auto &[name, value] : request.headers)
+        network.setRawHeader(name, value);
+    network.setHeader(QNetworkRequest::UserAgentHeader, QStringLiteral("Brindle"));
+    network.setAttribute(QNetworkRequest::RedirectPolicyAttribute,
+                         QNetworkRequest::ManualRedirectPolicy);
+    // The credentials are the header's; nothing is remembered between requests.
+    for (const auto attribute :
+         {QNetworkRequest::CookieLoadControlAttribute, QNetworkRequest::CookieSaveControlAttribute,
+          QNetworkRequest::AuthenticationReuseAttribute})
+        network.setAttribute(attribute, QNetworkRequest::Manual);
+    return network;
+}

@@ -1,0 +1,39 @@
+#include "preferences/emoji/EmojiPickerField.h"
+
+#include "preferences/emoji/EmojiPicker.h"
+
+#include <QKeyEvent>
+
+EmojiField::EmojiField(const QString &name, QWidget *parent) : BorderedField({}, parent) {
+    setAccessibleName(name);
+    settleWidth();
+    setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Ignored); // as high as the field beside it
+    setAlignment(Qt::AlignCenter);
+    Style::dress(this, Style::TextRole::Emoji);
+}
+
+void EmojiField::settleWidth() {
+    constexpr int fieldWidth = 64;
+    setFixedWidth(Style::scaled(fieldWidth));
+}
+
+bool EmojiField::event(QEvent *event) {
+    if (event->type() == QEvent::ApplicationFontChange)
+        settleWidth();
+    return BorderedField::event(event);
+}
+
+void EmojiField::replaceByPicking() {
+    setFocus(Qt::OtherFocusReason);
+    selectAll();
+    QMetaObject::invokeMethod(
+        this, [this] { EmojiPicker::openFor(this); }, Qt::QueuedConnection);
+}
+
+void EmojiField::keyPressEvent(QKeyEvent *event) {
+    if (event->key() == Qt::Key_Period && event->modifiers() == Qt::ControlModifier) {
+        EmojiPicker::openFor(this);
+        return;
+    }
+    BorderedField::keyPressEvent(event);
+}

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "preferences/hotkey/HotkeyRecording.h"
+
+#include <QWidget>
+
+class Button;
+class FieldLabel;
+
+/// One hotkey row of the General tab: its label, the button that records, and "Reset" (primary) or
+/// "Clear" (alternate). What it records is stored and registered at once. While the row is not on
+/// the screen a recording pauses. The button of the primary answers Return in the whole window.
+/// The caption below the two rows is not part of them. Main thread only.
+class HotkeyRecorder : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit HotkeyRecorder(RecordedHotkey hotkey, QWidget *parent = nullptr);
+    ~HotkeyRecorder() override;
+
+protected:
+    bool event(QEvent *event) override;
+    void showEvent(QShowEvent *event) override;
+    void hideEvent(QHideEvent *event) override;
+
+private:
+    void makeDefault();
+    void alignLabel();
+    void refresh();
+
+    RecordedHotkey m_hotkey;
+    FieldLabel *m_label = nullptr;
+    Button *m_record = nullptr;
+    Button *m_restore = nullptr; ///< "Reset" or "Clear"
+};

@@ -1,0 +1,49 @@
+#include "preferences/kit/LinkButton.h"
+
+#include "preferences/kit/Style.h"
+#include "preferences/kit/Symbols.h"
+
+#include <QPainter>
+
+namespace {
+
+constexpr int gap = 6;
+constexpr int padding = 3; ///< room for the ring of the focus
+
+int symbolSide() {
+    return Style::scaled(16);
+}
+
+} // namespace
+
+LinkButton::LinkButton(const QString &text, QWidget *parent) : QPushButton(text, parent) {
+    setCursor(Qt::PointingHandCursor);
+    setFocusPolicy(Qt::TabFocus);
+    setAttribute(Qt::WA_Hover);
+    setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+    Style::dress(this, Style::TextRole::Body);
+}
+
+QSize LinkButton::sizeHint() const {
+    ensurePolished();
+    return {symbolSide() + gap + fontMetrics().horizontalAdvance(text()) + 2 * padding,
+            std::max(symbolSide(), fontMetrics().height()) + 2 * padding};
+}
+
+void LinkButton::paintEvent(QPaintEvent *) {
+    QPainter painter(this);
+    QColor colour = Style::colour(Style::ColourRole::Accent, palette());
+    if (isDown())
+        colour.setAlphaF(0.7F);
+    const int side = symbolSide();
+    Symbols::paint(painter, Symbol::ArrowUpRight,
+                   QRectF(padding, (height() - side) / 2.0, side, side), colour);
+    QFont lettering = font();
+    lettering.setUnderline(underMouse());
+    painter.setFont(lettering);
+    painter.setPen(colour);
+    painter.drawText(rect().adjusted(padding + side + gap, 0, 0, 0),
+                     Qt::AlignVCenter | Qt::AlignLeft | Qt::TextHideMnemonic, text());
+    if (hasFocus())
+        Style::paintFocusRing(painter, rect(), Style::chipRadius, palette());
+}
