@@ -1,31 +1,11 @@
 #include "bench/Benches.h"
 
 #include "enrichment/ReferenceDetection.h"
-#include "fakes/FakePlatform.h"
 
 namespace {
 
 constexpr qsizetype large = 10'000'000;
 constexpr int rounds = 21;
-
-/// What is copied from a web page: its HTML and the text one sees.
-struct Page {
-    QString plain;
-    QString html;
-};
-
-/// Hands the page out without converting it: how it came is not the detection's affair.
-class PagePasteboard : public FakePasteboard {
-public:
-    explicit PagePasteboard(Page page) : m_page(std::move(page)) {}
-    std::optional<QString> text(PasteboardType type) override {
-        return type == PasteboardType::Html ? m_page.html : m_page.plain;
-    }
-    const Page &page() const { return m_page; }
-
-private:
-    Page m_page;
-};
 
 /// The links of a page of a team's, none of which is a reference.
 QString link(int number) {
@@ -43,33 +23,33 @@ QString link(int number) {
 }
 
 /// A page of about `size` characters in which each link is followed by `between` characters of
-/// text; with `same` all links are one.
-Page makePage(qsizetype size, qsizetype between, bool same) {
+/// text, and the text one sees of it; with `same` all links are one.
+ClipboardContents makePage(qsizetype size, qsizetype between, bool same) {
     static const QString prose =
         QString::fromUtf8("The meeting on Thursday moved to the café — bring last week’s notes, "
                           "the plan (draft 3) and the list of what is still open. ")
             .repeated(8);
-    Page page;
-    page.html.reserve(size + 1000);
-    for (int number = 0; page.html.size() < size; ++number) {
+    QString html, plain;
+    html.reserve(size + 1000);
+    for (int number = 0; html.size() < size; ++number) {
         const QString title = QString("Chapter %1").arg(same ? 0 : number);
-        page.html += "<a class=\"ref\" href=\"" + link(same ? 0 : number) + "\">" + title +
-                     "</a>\n<p>" + prose.first(between) + "</p>\n";
-        page.plain += title + '\n' + prose.first(between) + '\n';
+        html += "<a class=\"ref\" href=\"" + link(same ? 0 : number) + "\">" + title + "</a>\n<p>" +
+                prose.first(between) + "</p>\n";
+        plain += title + '\n' + prose.first(between) + '\n';
     }
-    return page;
+    return {0, plain, html, {}};
 }
 
 /// The patterns of the detection and nothing else.
-double scanTime(const Page &page) {
+double scanTime(const ClipboardContents &page) {
     static const QRegularExpression url(R"(https?://[^\s"'<>)\]]+)",
                                         QRegularExpression::UseUnicodePropertiesOption);
     static const QRegularExpression href(R"(href=["']([^"']+)["'])",
                                          QRegularExpression::UseUnicodePropertiesOption);
     const double begun = now();
     qsizetype count = 0;
-    for (const auto &[pattern, text] : {std::pair(&url, &page.plain), std::pair(&href, &page.html),
-                                        std::pair(&url, &page.html)}) {
+    for (const auto &[pattern, text] : {std::pair(&url, &*page.text), std::pair(&href, &*page.html),
+                                        std::pair(&url, &*page.html)}) {
         auto matches = pattern->globalMatch(*text, 0, QRegularExpression::NormalMatch,
                                             QRegularExpression::DontCheckSubjectStringMatchOption);
         for (; matches.hasNext(); ++count)
@@ -80,22 +60,22 @@ double scanTime(const Page &page) {
     return took;
 }
 
-double detectionTime(const std::shared_ptr<PagePasteboard> &pasteboard) {
-    Platform::current().pasteboard = pasteboard;
+double detectionTime(const ClipboardContents &page) {
     const double begun = now();
-    const auto found = Enrichment::detectRef("https://your-team.atlassian.net");
+    const auto found = Enrichment::detectRef(page, "https://your-team.atlassian.net",
+                                             "https://app.example.com/records");
     const double took = now() - begun;
     require(!found, "a reference where there is none");
     return took;
 }
 
 QList<Row> benchPage(const QString &what, qsizetype between, bool same) {
-    const auto whole = std::make_shared<PagePasteboard>(makePage(large, between, same));
-    const auto half = std::make_shared<PagePasteboard>(makePage(large / 2, between, same));
+    const ClipboardContents whole = makePage(large, between, same);
+    const ClipboardContents half = makePage(large / 2, between, same);
     QList<double> times, halfTimes, scanTimes;
     for (int round = -1; round < rounds; ++round) {
         const double time = detectionTime(whole);
-        const double scan = scanTime(whole->page());
+        const double scan = scanTime(whole);
         const double halfTime = detectionTime(half);
         if (round < 0) // compiles the patterns
             continue;
@@ -111,7 +91,6 @@ QList<Row> benchPage(const QString &what, qsizetype between, bool same) {
 } // namespace
 
 QList<Row> benchDetection() {
-    const FakePlatform fakes;
     return benchPage("a link every 300 characters", 220, false) +
            benchPage("many links", 20, false) + benchPage("one link repeated", 220, true);
 }

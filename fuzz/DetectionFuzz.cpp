@@ -1,8 +1,6 @@
 #include "clients/AccountClient.h"
-#include "fakes/FakePlatform.h"
 #include "fuzz/Fuzz.h"
 #include "fuzz/PlainDetection.h"
-#include "storage/Settings.h"
 
 #include <QUrl>
 
@@ -29,10 +27,9 @@ QString addressOf(const Enrichment::DetectedRef &ref) {
     return std::visit([](const auto &one) { return one.url; }, ref);
 }
 
-std::optional<Enrichment::DetectedRef> detect(FakePlatform &platform, const QString &plain,
-                                              const QString &html) {
-    platform.pasteboard->contents = {{{"string", {}, plain.toUtf8()}, {"html", {}, html.toUtf8()}}};
-    return Enrichment::detectRef(site);
+std::optional<Enrichment::DetectedRef> detect(const QString &plain, const QString &html,
+                                              const QString &base) {
+    return Enrichment::detectRef({0, plain, html, {}}, site, base);
 }
 
 bool isSliceOf(QStringView part, const QString &whole) {
@@ -55,23 +52,21 @@ void checkCandidates(const QString &plain, const QString &html) {
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
-    static FakePlatform &platform = *new FakePlatform; // outlives every static
     Fuzz::Fields fields(data, size);
     const QString plain = Enrichment::withoutLoneSurrogates(fields.nextText());
     const QString html = Enrichment::withoutLoneSurrogates(fields.nextText());
     require(QStringView(plain).isValidUtf16() && QStringView(html).isValidUtf16(),
             "no half surrogate pairs are left");
-    const QString base = fields.atEnd() ? records : fields.nextText();
-    Settings::shared().accountBaseURL = base;
+    const QString recordBase =
+        AccountClient::normalizedBase(fields.atEnd() ? records : fields.nextText());
 
     checkCandidates(plain, html);
-    const auto found = detect(platform, plain, html);
-    require(describe(found) == describe(PlainDetection::detect(plain, html, site,
-                                                               AccountClient::normalizedBase())),
+    const auto found = detect(plain, html, recordBase);
+    require(describe(found) == describe(PlainDetection::detect(plain, html, site, recordBase)),
             "the shortcuts find what the patterns find");
     if (found) {
         const QString address = addressOf(*found);
-        require(describe(detect(platform, address, {})) == describe(found),
+        require(describe(detect(address, {}, recordBase)) == describe(found),
                 "the link that is pasted is the same reference when it is copied again");
         require(!std::holds_alternative<JiraRef>(*found) ||
                     QUrl(address, QUrl::StrictMode).host() == u"h.example",

@@ -50,10 +50,7 @@ void requireLinear(const Work &work, const Text &text, const char *property) {
 }
 
 void detect(const QString &text) {
-    const auto &pasteboard = Platform::current().pasteboard;
-    pasteboard->write(
-        {{PasteboardType::String, text.toUtf8()}, {PasteboardType::Html, text.toUtf8()}});
-    Enrichment::detectRef(u"https://h.example"_s);
+    Enrichment::detectRef({0, text, text, {}}, u"https://h.example"_s, {});
 }
 
 void render(const QString &text) {

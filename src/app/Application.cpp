@@ -1,6 +1,7 @@
 #include "app/Application.h"
 
 #include "clipboard/ClipboardRestorer.h"
+#include "desktop/CurrentRun.h"
 #include "desktop/HotkeyManager.h"
 #include "desktop/Notify.h"
 #include "enrichment/Enrichment.h"
@@ -49,11 +50,13 @@ Application::Application()
     loadArt();
 }
 
+// The order matters: no run begins any more, what is under way is called off and its threads have
+// ended while the ports and the windows still stand; only then is the clipboard given back.
 Application::~Application() {
+    CurrentRun::enter(RunPhase::Ended);
     HotkeyManager::shared().uninstall();
-    // What the user had copied outlives us where the desktop keeps it.
+    Platform::current().finish();
     ClipboardRestorer::finishNow();
-    Platform::current().pasteboard->handOver();
 }
 
 void Application::finishLaunching() {

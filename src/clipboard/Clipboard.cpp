@@ -37,7 +37,8 @@ QString Clipboard::plainRepresentation(const QString &displayText, const QString
     return QStringLiteral("%1 (%2)").arg(Enrichment::stripStyleMarkers(displayText), url);
 }
 
-QString Clipboard::write(const QString &displayText, const QString &url, PasteFormat format) {
+QString Clipboard::write(const QString &displayText, const QString &url, PasteFormat format,
+                         std::optional<qint64> ifCountIs, Pasteboard::Written done) {
     const QString plain = plainRepresentation(displayText, url, format);
     QList<std::pair<PasteboardType, QByteArray>> flavours;
     if (format == PasteFormat::RichLink) {
@@ -45,6 +46,6 @@ QString Clipboard::write(const QString &displayText, const QString &url, PasteFo
         flavours.append({PasteboardType::Rtf, rtfFlavour(displayText, url)});
     }
     flavours.append({PasteboardType::String, plain.toUtf8()});
-    Platform::current().pasteboard->write(flavours);
+    Platform::current().pasteboard->write(flavours, ifCountIs, std::move(done));
     return plain;
 }

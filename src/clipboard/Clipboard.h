@@ -1,6 +1,7 @@
 #pragma once
 
 #include "model/PasteFormat.h"
+#include "platform/Pasteboard.h"
 
 #include <QString>
 
@@ -12,7 +13,10 @@ namespace Clipboard {
 QString plainRepresentation(const QString &displayText, const QString &url, PasteFormat format);
 
 /// Replaces the clipboard by the link: HTML, RTF and plain text for a rich link, the plain
-/// representation alone for every other format. Returns the plain representation. Main thread.
-QString write(const QString &displayText, const QString &url, PasteFormat format);
+/// representation alone for every other format. With `ifCountIs`, only if the clipboard has not
+/// changed since that count. `done` gets when it was done, or nothing if it was not. Returns the
+/// plain representation. Main thread.
+QString write(const QString &displayText, const QString &url, PasteFormat format,
+              std::optional<qint64> ifCountIs, Pasteboard::Written done);
 
 } // namespace Clipboard

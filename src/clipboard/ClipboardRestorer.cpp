@@ -1,6 +1,7 @@
 #include "clipboard/ClipboardRestorer.h"
 
 #include "clipboard/ClipboardSnapshot.h"
+#include "desktop/CurrentRun.h"
 #include "platform/Platform.h"
 #include "storage/LogStore.h"
 
@@ -8,7 +9,7 @@
 
 namespace {
 
-/// A paste whose restore is due, by value, so that nothing that happens meanwhile changes it.
+/// A paste whose restore is due.
 struct ScheduledRestore {
     std::optional<ClipboardSnapshot> original;
     qint64 expectedChangeCount = 0;
@@ -17,9 +18,7 @@ struct ScheduledRestore {
 };
 
 struct State {
-    bool isDelivering = false;
     std::optional<ClipboardSnapshot> pendingOriginal;
-    std::optional<ScheduledRestore> scheduled;
     WorkItem pendingWork;
 };
 
@@ -28,67 +27,96 @@ State &state() {
     return instance;
 }
 
-bool targetStillNeedsTheLink(const ScheduledRestore &restore) {
-    const PasteboardFetches fetches = Platform::current().pasteboard->fetches();
-    const bool fetched = fetches.latest && *fetches.latest >= restore.pastedAt;
-    return !fetched || fetches.transferRunning;
+Pasteboard &pasteboard() {
+    return *Platform::current().pasteboard;
 }
 
-void restoreUnlessChanged(const ScheduledRestore &restore) {
-    Pasteboard &pasteboard = *Platform::current().pasteboard;
-    if (pasteboard.changeCount() != restore.expectedChangeCount) {
-        log(QStringLiteral("enrich: clipboard changed since paste — skipping restore"));
+/// Forgets everything about the paste; the caller moves the run on.
+void reset() {
+    pasteboard().onUseChange(nullptr);
+    state().pendingWork.cancel();
+    state() = State();
+}
+
+void end() {
+    reset();
+    CurrentRun::enter(RunPhase::Idle);
+}
+
+/// Who no longer owns the clipboard is asked by nobody.
+bool targetStillNeedsTheLink(const ScheduledRestore &restore) {
+    const PasteboardUse use = pasteboard().use();
+    const bool fetched = use.latest && *use.latest >= restore.pastedAt;
+    return use.isOurs && (!fetched || use.transferRunning);
+}
+
+void giveBack(const ScheduledRestore &restore) {
+    pasteboard().onUseChange(nullptr);
+    if (!restore.original || restore.original->kept().isEmpty()) {
+        end();
         return;
     }
-    restore.original->restore(pasteboard);
-    log(QStringLiteral("enrich: original clipboard restored"));
+    restore.original->restore(pasteboard(), restore.expectedChangeCount, [](bool isRestored) {
+        log(isRestored
+                ? QStringLiteral("enrich: original clipboard restored")
+                : QStringLiteral("enrich: clipboard changed since paste — skipping restore"));
+        end();
+    });
 }
 
 void fallDue(const ScheduledRestore &restore) {
     Dispatch &dispatch = *Platform::current().dispatch;
-    if (restore.original && targetStillNeedsTheLink(restore) && dispatch.now() < restore.latest) {
-        constexpr std::chrono::milliseconds pause{25};
-        state().pendingWork = dispatch.after(pause, [restore] { fallDue(restore); });
+    state().pendingWork.cancel();
+    const auto now = dispatch.now();
+    if (!restore.original || !targetStillNeedsTheLink(restore) || now >= restore.latest) {
+        giveBack(restore);
         return;
     }
-    if (restore.original)
-        restoreUnlessChanged(restore);
-    state() = State();
+    state().pendingWork = dispatch.at(restore.latest, [restore] { giveBack(restore); });
+    pasteboard().onUseChange([restore] {
+        if (!targetStillNeedsTheLink(restore)) {
+            state().pendingWork.cancel();
+            giveBack(restore);
+        }
+    });
 }
 
 } // namespace
 
 bool ClipboardRestorer::isDelivering() {
-    return state().isDelivering;
+    return CurrentRun::isDelivering();
 }
 
-void ClipboardRestorer::arm() {
+void ClipboardRestorer::arm(const ClipboardContents &contents) {
     state().pendingWork.cancel();
-    state().scheduled.reset();
+    pasteboard().onUseChange(nullptr);
     if (!state().pendingOriginal)
-        state().pendingOriginal = ClipboardSnapshot::capture(*Platform::current().pasteboard);
+        state().pendingOriginal = ClipboardSnapshot::capture(contents);
+}
+
+void ClipboardRestorer::disarm() {
+    reset();
 }
 
 void ClipboardRestorer::markDelivering() {
-    state().isDelivering = true;
+    CurrentRun::enter(RunPhase::Delivering);
 }
 
 void ClipboardRestorer::commit(qint64 expectedChangeCount, Dispatch::Clock::time_point pastedAt) {
+    CurrentRun::enter(RunPhase::WaitingToRestore);
     Dispatch &dispatch = *Platform::current().dispatch;
     const ScheduledRestore restore{state().pendingOriginal, expectedChangeCount, pastedAt,
                                    dispatch.now() + longestWindow};
     state().pendingWork.cancel();
-    state().scheduled = restore;
     state().pendingWork = dispatch.after(window, [restore] { fallDue(restore); });
 }
 
 void ClipboardRestorer::abandon() {
-    state().pendingWork.cancel();
-    state() = State();
+    end();
 }
 
 void ClipboardRestorer::finishNow() {
-    if (state().scheduled && state().scheduled->original)
-        restoreUnlessChanged(*state().scheduled);
-    abandon();
+    const auto original = state().pendingOriginal;
+    reset();
+    pasteboard().finish(original ? original->kept() : QList<PasteboardItem>());
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/Dispatch.h"
+#include "platform/Pasteboard.h"
 
 #include <chrono>
 
@@ -20,9 +20,13 @@ public:
     /// Whether a paste is being delivered and its restore is pending.
     static bool isDelivering();
 
-    /// Takes the snapshot, to be called before the clipboard is overwritten. Calls off a scheduled
-    /// restore; a snapshot still pending is kept, since it holds what the user really had copied.
-    static void arm();
+    /// Keeps what was on the clipboard, to be called before it is overwritten. Calls off a
+    /// scheduled restore; a snapshot still pending is kept, since it holds what the user really had
+    /// copied.
+    static void arm(const ClipboardContents &contents);
+
+    /// Drops the snapshot of arm(): the clipboard was not overwritten after all.
+    static void disarm();
 
     static void markDelivering();
 
@@ -30,9 +34,10 @@ public:
     /// `expectedChangeCount`. `pastedAt` is the time of the keystroke.
     static void commit(qint64 expectedChangeCount, Dispatch::Clock::time_point pastedAt);
 
-    /// Drops any pending restore and clears the flag.
+    /// Drops any pending restore and ends the run.
     static void abandon();
 
-    /// Does a scheduled restore at once, because the program is about to quit.
+    /// The end of the program: gives the clipboard back at once if a restore is pending or armed,
+    /// and hands it over to whoever keeps it beyond our end.
     static void finishNow();
 };

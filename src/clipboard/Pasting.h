@@ -4,6 +4,8 @@
 
 #include <QString>
 
+#include <functional>
+
 /// Pasting into the application in front by pressing its paste keys.
 namespace Pasting {
 
@@ -25,8 +27,10 @@ struct Outcome {
 /// Main thread only.
 quint16 resolveVKeyCode();
 
-/// Waits until `pause` after `start`, then presses the paste keys, with `vKey` as their letter;
-/// where that is not possible, lets another program press them. Blocks; background threads only.
-Outcome simulateCommandV(quint16 vKey, Dispatch::Clock::time_point start);
+/// Waits until `pause` after `start` and until the user's keys do no harm, then presses the paste
+/// keys of the application in front, with `vKey` as their letter; where that is not possible, lets
+/// another program press them. Main thread only; returns at once.
+void simulateCommandV(quint16 vKey, Dispatch::Clock::time_point start,
+                      std::function<void(const Outcome &)> done);
 
 } // namespace Pasting

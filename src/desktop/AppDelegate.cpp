@@ -1,5 +1,7 @@
 #include "desktop/AppDelegate.h"
 
+#include "desktop/CurrentRun.h"
+
 namespace {
 AppDelegate *running = nullptr;
 }
@@ -17,7 +19,6 @@ void AppDelegate::publish() {
     running = this;
 }
 
-void AppDelegate::setIsFetching(bool isFetching) {
-    m_isFetching = isFetching;
-    refreshStatusItemImage();
+bool AppDelegate::isFetching() {
+    return CurrentRun::isFetching();
 }

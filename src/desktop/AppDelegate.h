@@ -10,9 +10,8 @@ public:
     AppDelegate(const AppDelegate &) = delete;
     AppDelegate &operator=(const AppDelegate &) = delete;
 
-    /// Whether a fetch is in flight. Setting it refreshes the status icon.
-    bool isFetching() const { return m_isFetching; }
-    void setIsFetching(bool isFetching);
+    /// Whether a fetch is in flight, or held up by a locked keyring; the status icon is dim then.
+    static bool isFetching();
 
     virtual void openPreferences() = 0;
     virtual void refreshStatusItemImage() = 0;
@@ -26,7 +25,4 @@ protected:
 
     /// Makes this the running application.
     void publish();
-
-private:
-    bool m_isFetching = false;
 };

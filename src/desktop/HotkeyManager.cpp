@@ -9,21 +9,19 @@ HotkeyManager &HotkeyManager::shared() {
 }
 
 void HotkeyManager::install(const QList<KeyCombo> &combos, std::function<void()> handler) {
-    uninstall();
     m_handler = std::move(handler);
-    for (const KeyCombo &combo : combos) {
-        if (!combo.isSet())
-            continue;
-        if (!Platform::current().hotkeys->add(combo, [this] { pressed(); })) {
-            log(QStringLiteral("hotkey: %1 is not available (taken by another program, or no such "
-                               "key)")
-                    .arg(HotkeyFormat::describe(combo.keyCode, combo.modifiers)));
-        }
-    }
+    QList<KeyCombo> all = combos;
+    all.removeIf([](const KeyCombo &combo) { return !combo.isSet(); });
+    Platform::current().hotkeys->bind(
+        all, [this] { pressed(); }, nullptr, [](const QList<Hotkeys::Refusal> &refusals) {
+            for (const auto &[combo, reason] : refusals)
+                log(QStringLiteral("hotkey: %1 %2").arg(
+                    HotkeyFormat::describe(combo.keyCode, combo.modifiers), reason));
+        });
 }
 
 void HotkeyManager::uninstall() {
-    Platform::current().hotkeys->removeAll();
+    Platform::current().hotkeys->unbind();
     m_handler = nullptr;
 }
 

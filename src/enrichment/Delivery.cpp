@@ -10,9 +10,9 @@
 
 namespace {
 
-/// The longest that looking for a password field may hold a paste up. Those that answer at all have
-/// answered within 115 ms.
-constexpr std::chrono::milliseconds focusDeadline{250};
+/// The longest that looking for a place where nothing may be typed can hold a paste up. Those that
+/// answer at all have answered within 115 ms.
+constexpr std::chrono::milliseconds longestLook{250};
 
 void leaveForManualPaste() {
     log(QStringLiteral("enrich: secure keyboard entry active — leaving enriched link for manual "
@@ -48,37 +48,30 @@ void finish(const Pasting::Outcome &outcome, qint64 expectedChangeCount) {
     }
 }
 
-/// On a background thread. The look at the focus costs the desktop's accessibility service up to a
-/// tenth of a second, so it shares the pause before the keystroke.
-void paste(quint16 vKey, qint64 expectedChangeCount, Dispatch::Clock::time_point start) {
-    const Platform &platform = Platform::current();
-    if (platform.keyboard->isPasswordFieldFocused(focusDeadline)) {
-        platform.dispatch->toMain(leaveForManualPaste);
-        return;
-    }
-    const Pasting::Outcome outcome = Pasting::simulateCommandV(vKey, start);
-    platform.dispatch->toMain(
-        [outcome, expectedChangeCount] { finish(outcome, expectedChangeCount); });
+void paste(const PasteboardWrite &written) {
+    Pasting::simulateCommandV(
+        Pasting::resolveVKeyCode(), written.at,
+        [count = written.changeCount](const Pasting::Outcome &outcome) { finish(outcome, count); });
 }
 
 } // namespace
 
-void Enrichment::deliverPaste(const QString &notifyText, bool pasteAfter) {
-    const Platform &platform = Platform::current();
-    const auto start = platform.dispatch->now(); // what follows shares the pause
+void Enrichment::deliverPaste(const QString &notifyText, bool pasteAfter,
+                              const PasteboardWrite &written) {
     if (!pasteAfter) {
         ClipboardRestorer::abandon();
         Notify::show(AppInfo::displayName(), QStringLiteral("Clipboard: ") + notifyText);
         return;
     }
-    if (platform.keyboard->isSecureInputActive()) {
-        leaveForManualPaste();
-        return;
-    }
-    const qint64 expectedChangeCount = platform.pasteboard->changeCount();
     ClipboardRestorer::markDelivering();
-    const quint16 vKey = Pasting::resolveVKeyCode();
-    platform.dispatch->toBackground([=] { paste(vKey, expectedChangeCount, start); });
+    // Looking takes the desktop up to a tenth of a second, which the pause before the keystroke
+    // hides.
+    Platform::current().secureInput->check(longestLook, [written](SecureInput::Answer answer) {
+        if (answer == SecureInput::Answer::Yes)
+            leaveForManualPaste();
+        else
+            paste(written);
+    });
 }
 
 void Enrichment::showAccessibilityAlert(const QString &detail) {

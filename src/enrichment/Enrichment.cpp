@@ -1,10 +1,12 @@
 #include "enrichment/Enrichment.h"
 
+#include "clients/AccountClient.h"
 #include "clients/ConfluenceClient.h"
 #include "clients/JiraClient.h"
 #include "clipboard/Clipboard.h"
 #include "clipboard/ClipboardRestorer.h"
 #include "desktop/AppDelegate.h"
+#include "desktop/CurrentRun.h"
 #include "desktop/Notify.h"
 #include "enrichment/Delivery.h"
 #include "enrichment/ReferenceDetection.h"
@@ -27,17 +29,28 @@ void openPreferences() {
         app->openPreferences();
 }
 
-void setFetching(bool fetching) {
-    if (AppDelegate *app = AppDelegate::shared())
-        app->setIsFetching(fetching);
+/// A run that has passed the guards.
+struct Run {
+    bool pasteAfter = false;
+    QString baseURL;
+    /// What the user had copied, for giving it back. The texts are gone once they have been looked
+    /// at.
+    ClipboardContents original;
+};
+
+/// Ends a run that has come to nothing; why has been told.
+void giveUp() {
+    CurrentRun::enter(RunPhase::Idle);
 }
 
-/// From the question to the keyring until its answer is looked at; a fetch may follow. Main thread.
-bool isAskingForToken = false;
+void giveUp(const QString &logLine, const QString &message) {
+    log(logLine);
+    tell(message);
+    giveUp();
+}
 
 bool isBusy() {
-    const AppDelegate *app = AppDelegate::shared();
-    if (isAskingForToken || (app && app->isFetching())) {
+    if (CurrentRun::isGettingTheLink()) {
         log(QStringLiteral("enrich: a fetch is already in flight — ignoring re-trigger"));
         return true;
     }
@@ -45,27 +58,33 @@ bool isBusy() {
         log(QStringLiteral("enrich: a paste is already in flight — ignoring re-trigger"));
         return true;
     }
-    return false;
+    return CurrentRun::phase() == RunPhase::Ended;
 }
 
-bool clipboardHasText() {
-    const auto text = Platform::current().pasteboard->text(PasteboardType::String);
-    if (text && !Text::trimmedView(*text).isEmpty())
+/// Whether the run may go on; told to the user when not. Where keys can't be pressed at all it goes
+/// on as one that only copies.
+bool mayGoOn(Run &run) {
+    if (!run.pasteAfter)
         return true;
-    log(QStringLiteral("enrich: clipboard empty or not text"));
-    tell(QStringLiteral("Clipboard is empty or not text."));
-    return false;
-}
-
-/// Whether a paste will be let through; told to the user when not. Without a paste nothing is
-/// asked.
-bool mayPaste(bool pasteAfter) {
-    if (!pasteAfter || Platform::current().keyboard->isTrusted())
+    const PasteAccess access = Platform::current().pasteKeys->access();
+    switch (access.state) {
+    case PasteAccess::State::Ready:
         return true;
-    log(QStringLiteral("enrich: Accessibility not granted — skipping clipboard mutation"));
-    Enrichment::showAccessibilityAlert(
-        QStringLiteral("Brindle isn't in the Accessibility allowlist yet."));
-    return false;
+    case PasteAccess::State::NeedsConsent:
+        log(QStringLiteral("enrich: Accessibility not granted — skipping clipboard mutation"));
+        Enrichment::showAccessibilityAlert(
+            QStringLiteral("Brindle isn't in the Accessibility allowlist yet."));
+        return false;
+    case PasteAccess::State::Impossible:
+        break;
+    }
+    run.pasteAfter = false;
+    log(QStringLiteral("enrich: can't paste here (%1) — copying instead").arg(access.reason));
+    static QString toldReason;
+    if (std::exchange(toldReason, access.reason) != access.reason)
+        tell(QStringLiteral("Brindle can't paste here: %1. Links are copied for you to paste.")
+                 .arg(access.reason));
+    return true;
 }
 
 /// A title to be fetched: what it needs from the keyring and how it is asked for.
@@ -74,44 +93,43 @@ struct Fetch {
     QString product;
     QString tokenMessage; ///< for the user without one
     /// On a background thread.
-    std::function<void(const QString &email, const QString &token)> send;
+    std::function<void(const Run &run, const QString &email, const QString &token)> send;
 };
 
 /// The user may take half a minute to unlock the keyring, so it is asked in the background.
 void askForToken(const QString &account, std::function<void(const QString &token)> answered) {
-    isAskingForToken = true;
+    CurrentRun::enter(RunPhase::AskingKeyring);
     Platform::current().dispatch->toBackground([account, answered = std::move(answered)] {
         const QString token = Keychain::loadToken(account).value_or(QString());
-        Platform::current().dispatch->toMain([token, answered] {
-            isAskingForToken = false;
-            answered(token);
-        });
+        Platform::current().dispatch->toMain([token, answered] { answered(token); });
     });
 }
 
 /// Sends the fetch unless something is missing, which the user is told.
-void begin(const Fetch &fetch, bool pasteAfter) {
+void begin(const Fetch &fetch, const Run &asked) {
     const QString email = Settings::shared().email();
     if (email.isEmpty()) {
-        log(QStringLiteral("enrich: no email configured"));
-        tell(QStringLiteral("Email not set. Open Preferences."));
+        giveUp(QStringLiteral("enrich: no email configured"),
+               QStringLiteral("Email not set. Open Preferences."));
         openPreferences();
         return;
     }
     Platform::current().urlSession->warmUp();
-    askForToken(fetch.account, [fetch, email, pasteAfter](const QString &token) {
+    askForToken(fetch.account, [fetch, email, run = asked](const QString &token) mutable {
         if (token.isEmpty()) {
-            log(QStringLiteral("enrich: no %1 token configured").arg(fetch.product));
-            tell(fetch.tokenMessage);
+            giveUp(QStringLiteral("enrich: no %1 token configured").arg(fetch.product),
+                   fetch.tokenMessage);
             openPreferences();
             return;
         }
-        if (!mayPaste(pasteAfter))
+        if (!mayGoOn(run)) {
+            giveUp();
             return;
+        }
         Platform::current().dispatch->toBackground(
-            [fetch, email, token] { fetch.send(email, token); });
+            [fetch, run, email, token] { fetch.send(run, email, token); });
         // The request is under way while the icon is drawn.
-        setFetching(true);
+        CurrentRun::enter(RunPhase::Fetching);
     });
 }
 
@@ -123,25 +141,62 @@ auto onMain(Finish finish) {
     };
 }
 
+/// A link to be put on the clipboard.
+struct Link {
+    QString displayText;
+    QString url;
+    QString label; ///< what the log calls it
+    PasteFormat format;
+};
+
+/// How often the clipboard may change under our hands before a run gives up.
+constexpr int mostWrites = 5;
+
+void deliverLink(const Link &link, const Run &run, int attempt = 1);
+
+/// Somebody has copied something since the clipboard was read: what is given back later must be
+/// that.
+void readAnewAndDeliver(const Link &link, const Run &run, int attempt) {
+    ClipboardRestorer::disarm();
+    if (attempt == mostWrites) {
+        giveUp(QStringLiteral("enrich: the clipboard could not be written"),
+               QStringLiteral("Couldn't write to the clipboard."));
+        return;
+    }
+    Platform::current().pasteboard->read([link, run, attempt](const ClipboardContents &contents) {
+        Run again = run;
+        again.original = contents;
+        deliverLink(link, again, attempt + 1);
+    });
+}
+
 /// The steps that all three kinds share once the display text is known.
-void deliverLink(const QString &displayText, const QString &url, const QString &label,
-                 PasteFormat format, bool pasteAfter) {
-    if (pasteAfter && Settings::shared().restoreClipboardAfterPaste())
-        ClipboardRestorer::arm();
-    const QString plain = Clipboard::write(displayText, url, format);
-    log(QStringLiteral("enrich: clipboard updated for %1 (format=%2)")
-            .arg(label, PasteFormats::rawValue(format)));
-    Enrichment::deliverPaste(plain, pasteAfter);
+void deliverLink(const Link &link, const Run &run, int attempt) {
+    CurrentRun::enter(RunPhase::Writing);
+    const bool restores = run.pasteAfter && Settings::shared().restoreClipboardAfterPaste();
+    if (restores)
+        ClipboardRestorer::arm(run.original);
+    const auto count = restores ? std::optional(run.original.changeCount) : std::nullopt;
+    const QString plain = Clipboard::plainRepresentation(link.displayText, link.url, link.format);
+    Clipboard::write(link.displayText, link.url, link.format, count,
+                     [link, run, attempt, plain](const std::optional<PasteboardWrite> &written) {
+                         if (!written) {
+                             readAnewAndDeliver(link, run, attempt);
+                             return;
+                         }
+                         log(QStringLiteral("enrich: clipboard updated for %1 (format=%2)")
+                                 .arg(link.label, PasteFormats::rawValue(link.format)));
+                         Enrichment::deliverPaste(plain, run.pasteAfter, *written);
+                     });
 }
 
 void tellFailure(const QString &what, const std::optional<QString> &error,
                  const QString &withoutReason) {
-    log(QStringLiteral("%1 (%2)").arg(what, error.value_or(QStringLiteral("unknown"))));
-    tell(error.value_or(withoutReason));
+    giveUp(QStringLiteral("%1 (%2)").arg(what, error.value_or(QStringLiteral("unknown"))),
+           error.value_or(withoutReason));
 }
 
-void finishJira(const JiraClient::FetchResult &result, const JiraRef &ref, bool pasteAfter) {
-    setFetching(false);
+void finishJira(const JiraClient::FetchResult &result, const JiraRef &ref, const Run &run) {
     if (!result.summary) {
         tellFailure(QStringLiteral("enrich: fetch failed"), result.error,
                     QStringLiteral("Failed to fetch ") + ref.key);
@@ -150,25 +205,24 @@ void finishJira(const JiraClient::FetchResult &result, const JiraRef &ref, bool 
     const QString text = Enrichment::renderTemplate(
         Settings::shared().displayTemplate(), ref.key, result.type, *result.summary, result.status,
         ref.commentId.has_value(), result.commentText, result.commentAuthor);
-    deliverLink(text, ref.url, ref.key, Settings::shared().pasteFormat(), pasteAfter);
+    deliverLink({text, ref.url, ref.key, Settings::shared().pasteFormat()}, run);
 }
 
-void runJira(const JiraRef &ref, const QString &baseURL, bool pasteAfter) {
+void runJira(const JiraRef &ref, const Run &run) {
     log(QStringLiteral("enrich: detected Jira key ") + ref.key);
-    const auto send = [ref, baseURL, pasteAfter](const QString &email, const QString &token) {
-        JiraClient::fetchSummary(ref.key, ref.commentId, baseURL, email, token,
-                                 onMain([ref, pasteAfter](const JiraClient::FetchResult &result) {
-                                     finishJira(result, ref, pasteAfter);
+    const auto send = [ref](const Run &current, const QString &email, const QString &token) {
+        JiraClient::fetchSummary(ref.key, ref.commentId, current.baseURL, email, token,
+                                 onMain([ref, current](const JiraClient::FetchResult &result) {
+                                     finishJira(result, ref, current);
                                  }));
     };
     begin({AppInfo::keychainAccount(), QStringLiteral("Jira"),
            QStringLiteral("Jira API token not set. Open Preferences."), send},
-          pasteAfter);
+          run);
 }
 
 void finishConfluence(const ConfluenceClient::ConfluenceFetchResult &result,
-                      const ConfluenceRef &ref, bool pasteAfter) {
-    setFetching(false);
+                      const ConfluenceRef &ref, const Run &run) {
     if (!result.title) {
         tellFailure(QStringLiteral("enrich: confluence fetch failed"), result.error,
                     QStringLiteral("Failed to fetch Confluence page ") + ref.pageId);
@@ -177,41 +231,45 @@ void finishConfluence(const ConfluenceClient::ConfluenceFetchResult &result,
     const QString text =
         Enrichment::renderConfluenceTemplate(Settings::shared().confluenceTemplate(), *result.title,
                                              ref.spaceKey, ref.typeLabel(), ref.pageId);
-    deliverLink(text, ref.url, QStringLiteral("confluence page ") + ref.pageId,
-                Settings::shared().pasteFormat(), pasteAfter);
+    deliverLink({text, ref.url, QStringLiteral("confluence page ") + ref.pageId,
+                 Settings::shared().pasteFormat()},
+                run);
 }
 
-void runConfluence(const ConfluenceRef &ref, const QString &baseURL, bool pasteAfter) {
+void runConfluence(const ConfluenceRef &ref, const Run &run) {
     log(QStringLiteral("enrich: detected Confluence page %1 in %2").arg(ref.pageId, ref.spaceKey));
-    const auto send = [ref, baseURL, pasteAfter](const QString &email, const QString &token) {
+    const auto send = [ref](const Run &current, const QString &email, const QString &token) {
         ConfluenceClient::fetchPage(
-            ref.pageId, baseURL, email, token,
-            onMain([ref, pasteAfter](const ConfluenceClient::ConfluenceFetchResult &result) {
-                finishConfluence(result, ref, pasteAfter);
+            ref.pageId, current.baseURL, email, token,
+            onMain([ref, current](const ConfluenceClient::ConfluenceFetchResult &result) {
+                finishConfluence(result, ref, current);
             }));
     };
     begin({AppInfo::keychainAccountConfluence(), QStringLiteral("Confluence"),
            QStringLiteral("Confluence API token not set. Add one in Preferences → Connection."),
            send},
-          pasteAfter);
+          run);
 }
 
-void runAccount(const AccountRef &ref, bool pasteAfter) {
+void runAccount(const AccountRef &ref, Run run) {
     const QString shortId = ref.id.left(6) + u'…';
     log(QStringLiteral("enrich: detected ID ") + shortId);
-    if (!mayPaste(pasteAfter))
+    if (!mayGoOn(run)) {
+        giveUp();
         return;
-    deliverLink(ref.id, ref.url, QStringLiteral("account ") + shortId,
-                Settings::shared().accountPasteFormat(), pasteAfter);
+    }
+    deliverLink({ref.id, ref.url, QStringLiteral("account ") + shortId,
+                 Settings::shared().accountPasteFormat()},
+                run);
 }
 
 void tellNothingFound(const QString &baseURL) {
-    log(QStringLiteral("enrich: no Jira, Confluence, or ID reference found on the clipboard"));
-    if (baseURL.isEmpty())
-        tell(QStringLiteral("Set your Atlassian site URL in Preferences → Connection."));
-    else
-        tell(QStringLiteral("Clipboard doesn't contain a Jira link, Confluence link, or linkable "
-                            "ID."));
+    giveUp(
+        QStringLiteral("enrich: no Jira, Confluence, or ID reference found on the clipboard"),
+        baseURL.isEmpty()
+            ? QStringLiteral("Set your Atlassian site URL in Preferences → Connection.")
+            : QStringLiteral("Clipboard doesn't contain a Jira link, Confluence link, or linkable "
+                             "ID."));
 }
 
 template <class... Cases>
@@ -221,22 +279,39 @@ struct Overloaded : Cases... {
 template <class... Cases>
 Overloaded(Cases...) -> Overloaded<Cases...>; // clang before 17 doesn't deduce it by itself
 
+void goOn(const ClipboardContents &contents, bool pasteAfter) {
+    if (!contents.text || Text::trimmedView(*contents.text).isEmpty()) {
+        giveUp(QStringLiteral("enrich: clipboard empty or not text"),
+               QStringLiteral("Clipboard is empty or not text."));
+        return;
+    }
+    const Run run{
+        pasteAfter, Settings::shared().baseURL(), {contents.changeCount, {}, {}, contents.items}};
+    const auto ref = Enrichment::detectRef(contents, run.baseURL, AccountClient::normalizedBase());
+    if (!ref) {
+        tellNothingFound(run.baseURL);
+        return;
+    }
+    std::visit(Overloaded{[&](const JiraRef &jira) { runJira(jira, run); },
+                          [&](const ConfluenceRef &page) { runConfluence(page, run); },
+                          [&](const AccountRef &account) { runAccount(account, run); }},
+               *ref);
+}
+
 } // namespace
 
 void Enrichment::run(bool pasteAfter) {
     log(QStringLiteral("enrich: triggered (pasteAfter=%1)")
             .arg(pasteAfter ? QStringLiteral("true") : QStringLiteral("false")));
-    if (isBusy() || !clipboardHasText())
+    if (isBusy())
         return;
-    const QString baseURL = Settings::shared().baseURL();
-    const auto ref = detectRef(baseURL);
-    if (!ref) {
-        tellNothingFound(baseURL);
+    Pasteboard &pasteboard = *Platform::current().pasteboard;
+    if (const QString reason = pasteboard.unavailableBecause(); !reason.isEmpty()) {
+        giveUp(QStringLiteral("enrich: there is no clipboard (%1)").arg(reason),
+               QStringLiteral("Brindle can't reach the clipboard: %1.").arg(reason));
         return;
     }
-    std::visit(
-        Overloaded{[&](const JiraRef &jira) { runJira(jira, baseURL, pasteAfter); },
-                   [&](const ConfluenceRef &page) { runConfluence(page, baseURL, pasteAfter); },
-                   [&](const AccountRef &account) { runAccount(account, pasteAfter); }},
-        *ref);
+    CurrentRun::enter(RunPhase::Reading);
+    pasteboard.read(
+        [pasteAfter](const ClipboardContents &contents) { goOn(contents, pasteAfter); });
 }

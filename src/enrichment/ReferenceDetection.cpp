@@ -4,7 +4,6 @@
 #include "clients/ConfluenceClient.h"
 #include "clients/JiraClient.h"
 #include "model/Text.h"
-#include "platform/Platform.h"
 
 #include <QList>
 
@@ -96,13 +95,11 @@ bool Enrichment::clipboardURLCandidates(QStringView plain, QStringView html,
     });
 }
 
-std::optional<Enrichment::DetectedRef> Enrichment::detectRef(const QString &baseURL) {
-    Pasteboard &pasteboard = *Platform::current().pasteboard;
-    const QString plain =
-        withoutLoneSurrogates(pasteboard.text(PasteboardType::String).value_or(QString()));
-    const QString html =
-        withoutLoneSurrogates(pasteboard.text(PasteboardType::Html).value_or(QString()));
-    const QString base = AccountClient::normalizedBase();
+std::optional<Enrichment::DetectedRef> Enrichment::detectRef(const ClipboardContents &contents,
+                                                             const QString &baseURL,
+                                                             const QString &recordBase) {
+    const QString plain = withoutLoneSurrogates(contents.text.value_or(QString()));
+    const QString html = withoutLoneSurrogates(contents.html.value_or(QString()));
     std::optional<DetectedRef> link;
     std::optional<AccountRef> account;
     QStringView latest;
@@ -113,8 +110,8 @@ std::optional<Enrichment::DetectedRef> Enrichment::detectRef(const QString &base
             link = *jira;
         else if (auto page = ConfluenceClient::extractRef(candidate, baseURL))
             link = *page;
-        else if (!account && !base.isEmpty())
-            account = AccountClient::extractRef(candidate, base);
+        else if (!account && !recordBase.isEmpty())
+            account = AccountClient::extractRef(candidate, recordBase);
         return link.has_value();
     });
     if (!link && account)

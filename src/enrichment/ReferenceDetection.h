@@ -3,6 +3,7 @@
 #include "model/AccountRef.h"
 #include "model/ConfluenceRef.h"
 #include "model/JiraRef.h"
+#include "platform/Pasteboard.h"
 
 #include <QRegularExpression>
 #include <QString>
@@ -34,8 +35,10 @@ bool scanMatches(const QRegularExpression &pattern, QStringView text, int group,
 /// another place. Texts without half surrogate pairs only.
 bool clipboardURLCandidates(QStringView plain, QStringView html, const CandidateVisitor &visit);
 
-/// The single reference the clipboard holds, if any: a Jira or Confluence link in the earliest
-/// candidate wins; only without one does a record id count. Main thread.
-std::optional<DetectedRef> detectRef(const QString &baseURL);
+/// The single reference in the texts of `contents`, if any: a Jira or Confluence link in the earliest
+/// candidate wins; only without one does a record id count. `recordBase` is the address in front of
+/// record ids, empty where they are not linked. Pure.
+std::optional<DetectedRef> detectRef(const ClipboardContents &contents, const QString &baseURL,
+                                     const QString &recordBase);
 
 } // namespace Enrichment

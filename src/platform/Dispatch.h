@@ -55,14 +55,18 @@ public:
     /// Runs `task` on the main thread after `delay`. To be called on the main thread.
     virtual WorkItem after(std::chrono::milliseconds delay, Task task) = 0;
 
+    /// The same at `time`, as exactly as the machine can (after() may be a millisecond late).
+    virtual WorkItem at(Clock::time_point time, Task task) = 0;
+
     /// The monotonic clock that delays are counted by.
     virtual Clock::time_point now() const = 0;
 
     /// The time of day, for stamps the user sees.
     virtual QDateTime wallTime() const = 0;
 
-    /// Blocks the calling (background) thread until `time`; returns at once if it has passed.
-    virtual void sleepUntil(Clock::time_point time) = 0;
-
     virtual std::shared_ptr<Semaphore> makeSemaphore() = 0;
+
+    /// The end: waits for the background tasks that run, drops those that wait, and accepts no
+    /// more. What they wait for must have been cancelled. Main thread.
+    virtual void finish() = 0;
 };

@@ -2,20 +2,48 @@
 
 #include "model/HotkeyFormat.h"
 
+#include <QList>
+#include <QString>
+
 #include <functional>
 #include <optional>
 
-/// System-wide key combinations. Main thread only.
+/// System-wide key combinations. Main thread only. No call waits for another program but the
+/// display server; answers come through callbacks on the main thread, perhaps before the call
+/// returns.
 class Hotkeys {
 public:
+    /// A combination that can't be had, and why: a text that goes on after it, such as "is taken by
+    /// another program".
+    struct Refusal {
+        KeyCombo combo;
+        QString reason;
+    };
+    using Outcome = std::function<void(const QList<Refusal> &)>;
+
+    /// What to do on a desktop where the combination is not ours to choose.
+    struct DesktopsChoice {
+        QString
+            text; ///< what the desktop shows for the hotkey, or a sentence where it says nothing
+        std::function<void()> openSettings; ///< leads to where it is chosen; may be empty
+    };
+
     virtual ~Hotkeys() = default;
 
-    /// Registers `combo`; `pressed` runs once for each press, however long it is held. Returns
-    /// false when the combination can't be had (taken by somebody else, no such key).
-    virtual bool add(const KeyCombo &combo, std::function<void()> pressed) = 0;
+    /// Why there are no hotkeys on this desktop; empty when there are.
+    virtual QString unavailableBecause() const { return {}; }
+
+    /// Replaces every registration by `all`. `pressed` runs once for each press, however long it is
+    /// held, `released` when its first key is up, where the desktop tells. `outcome` gets those
+    /// that can't be had.
+    virtual void bind(const QList<KeyCombo> &all, std::function<void()> pressed,
+                      std::function<void()> released, Outcome outcome) = 0;
 
     /// Gives every registration back.
-    virtual void removeAll() = 0;
+    virtual void unbind() = 0;
+
+    /// Nothing where the combination is ours to choose.
+    virtual std::optional<DesktopsChoice> desktopsChoice() const { return std::nullopt; }
 
     /// The key code, as hotkeys have it, of the key that a key event of the toolkit names by
     /// `nativeScanCode`; nothing for a key that no hotkey can have.

@@ -17,3 +17,7 @@ Platform &Platform::current() {
 void Platform::install(Platform platform) {
     installed() = std::make_unique<Platform>(std::move(platform));
 }
+
+void Platform::finish() const {
+    dispatch->finish();
+}

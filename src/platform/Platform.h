@@ -4,12 +4,14 @@
 #include "platform/ChildProcess.h"
 #include "platform/Defaults.h"
 #include "platform/Dispatch.h"
+#include "platform/FrontWindow.h"
 #include "platform/Hotkeys.h"
-#include "platform/Keyboard.h"
 #include "platform/LoginItems.h"
 #include "platform/Notifications.h"
+#include "platform/PasteKeys.h"
 #include "platform/Pasteboard.h"
 #include "platform/SecretStore.h"
+#include "platform/SecureInput.h"
 #include "platform/TrayHost.h"
 #include "platform/UrlSession.h"
 #include "platform/Workspace.h"
@@ -21,7 +23,9 @@
 struct Platform {
     std::shared_ptr<Dispatch> dispatch;
     std::shared_ptr<Pasteboard> pasteboard;
-    std::shared_ptr<Keyboard> keyboard;
+    std::shared_ptr<PasteKeys> pasteKeys;
+    std::shared_ptr<SecureInput> secureInput;
+    std::shared_ptr<FrontWindow> frontWindow;
     std::shared_ptr<Hotkeys> hotkeys;
     std::shared_ptr<ChildProcess> childProcess;
     std::shared_ptr<Notifications> notifications;
@@ -32,6 +36,10 @@ struct Platform {
     std::shared_ptr<TrayHost> trayHost;
     std::shared_ptr<UrlSession> urlSession;
     std::shared_ptr<LoginItems> loginItems;
+
+    /// The end: calls off whatever is under way and waits until no thread runs any of it. The ports
+    /// stay, to be asked for little.
+    void finish() const;
 
     /// The ports in force. Only after install().
     static Platform &current();

@@ -16,10 +16,22 @@ struct Scene : FakePlatform {
     /// A paste in which the keystroke is just over and the restore due.
     void paste(const QString &original) {
         pasteboard->copyText(original);
-        ClipboardRestorer::arm();
-        pasteboard->copyText(u"link"_qs);
+        arm();
+        write();
         ClipboardRestorer::markDelivering();
         ClipboardRestorer::commit(pasteboard->count, dispatch->now());
+    }
+
+    void arm() {
+        pasteboard->read([](const ClipboardContents &read) { ClipboardRestorer::arm(read); });
+    }
+
+    void write(const QString &link = u"link"_qs) {
+        pasteboard->write({{PasteboardType::String, link.toUtf8()}}, {}, [](const auto &) {});
+    }
+
+    void targetFetches(bool transferRunning = false) {
+        pasteboard->beUsed({true, dispatch->now(), transferRunning});
     }
 
     QString text() { return pasteboard->text(PasteboardType::String).value_or("(none)"); }
@@ -48,76 +60,105 @@ private Q_SLOTS:
         for (const auto &[text, url, format, plain, html] : cases) {
             FakePlatform platform;
             FakePasteboard &pasteboard = *platform.pasteboard;
-            QCOMPARE(Clipboard::write(text, url, format), plain);
+            QCOMPARE(Clipboard::write(text, url, format, {}, [](const auto &) {}), plain);
             QCOMPARE(pasteboard.text(PasteboardType::String), plain);
             QCOMPARE(pasteboard.text(PasteboardType::Html).value_or(QString()), html);
-            QCOMPARE(pasteboard.contents->constFirst().size(), html.isEmpty() ? 1 : 3);
+            QList<QByteArray> names;
+            for (const PasteboardRepresentation &one : pasteboard.contents->constFirst())
+                names.append(one.name);
+            QCOMPARE(names, html.isEmpty() ? QList<QByteArray>{"string"}
+                                           : QList<QByteArray>({"html", "rtf", "string"}));
             QCOMPARE(pasteboard.count, 1);
         }
     }
 
-    void snapshotKeepsTextTypesOfEveryItemByteForByte() {
+    void snapshotKeepsEveryItemByteForByte() {
         FakePlatform platform;
         FakePasteboard &pasteboard = *platform.pasteboard;
         const PasteboardItem rich{{"html", "x", QByteArray("<b>\0", 4)}, {"rtf", "y", "{\\rtf1}"}};
         const PasteboardItem file{{"file", "", "file:///a"}, {"string", "", "a"}};
-        const PasteboardItem image{{"image", "", "png"}};
-        pasteboard.copy({rich, image, image + file});
-        ClipboardSnapshot::capture(pasteboard)->restore(pasteboard);
+        const ClipboardContents contents{0, {}, {}, {{rich, {}, file}}};
+        const auto snapshot = ClipboardSnapshot::capture(contents);
+        QCOMPARE(snapshot->items.size(), 3);
+        bool restored = false;
+        snapshot->restore(pasteboard, 0, [&](bool is) { restored = is; });
+        QVERIFY(restored);
         QCOMPARE(*pasteboard.contents, (QList<PasteboardItem>{rich, file}));
-
-        pasteboard.copy({image}); // nothing to give back
-        const auto snapshot = ClipboardSnapshot::capture(pasteboard);
-        pasteboard.copyText(u"link"_qs);
-        snapshot->restore(pasteboard);
-        QCOMPARE(pasteboard.text(PasteboardType::String), u"link"_qs);
-        pasteboard.contents.reset();
-        QVERIFY(!ClipboardSnapshot::capture(pasteboard));
+        snapshot->restore(pasteboard, 0, [&](bool is) { restored = is; }); // changed since
+        QVERIFY(!restored);
+        QVERIFY(!ClipboardSnapshot::capture({}));
     }
 
     void restore() {
         struct Case {
-            int fetchedAfter;  // ms after the keystroke, -1 never
-            int transferUntil; // ms
-            int restoredAt;    // ms
+            const char *name;
+            std::function<void(Scene &, int time)> others; ///< at `time` ms after the keystroke
+            int endsAt;                                    ///< ms
+            QString text;
+            QString logged;
         };
-        for (const auto &[fetchedAfter, transferUntil, restoredAt] :
-             {Case{10, 0, 500}, Case{-20, 0, 2000}, Case{1200, 0, 1200}, Case{-1, 0, 2000},
-              Case{10, 900, 900}, Case{10, 9000, 2000}}) {
+        const QString back = u"enrich: original clipboard restored"_qs;
+        const QString kept = u"enrich: clipboard changed since paste — skipping restore"_qs;
+        const auto fetchesAt = [](int fetch) {
+            return [fetch](Scene &scene, int time) {
+                if (time == fetch)
+                    scene.targetFetches();
+            };
+        };
+        const auto transfersUntil = [](int end) {
+            return [end](Scene &scene, int time) {
+                if (time == 10 || time == end)
+                    scene.targetFetches(time != end);
+            };
+        };
+        const auto copiesAt = [](int copy) {
+            return [copy](Scene &scene, int time) {
+                if (time == copy)
+                    scene.pasteboard->copyText(u"foreign"_qs);
+            };
+        };
+        const auto managerAt = [](int taken) {
+            return [taken](Scene &scene, int time) {
+                if (time == taken) // the same text, so the count stays
+                    scene.pasteboard->beUsed({false, {}, false});
+            };
+        };
+        const QList<Case> cases{
+            {"fetched", fetchesAt(10), 500, u"original"_qs, back},
+            {"never fetched", [](Scene &, int) {}, 2000, u"original"_qs, back},
+            {"fetched late", fetchesAt(1200), 1200, u"original"_qs, back},
+            {"long transfer", transfersUntil(900), 900, u"original"_qs, back},
+            {"endless transfer", transfersUntil(9000), 2000, u"original"_qs, back},
+            {"copied in the window", copiesAt(300), 500, u"foreign"_qs, kept},
+            {"copied in the wait", copiesAt(700), 700, u"foreign"_qs, kept},
+            {"manager in the window", managerAt(100), 500, u"original"_qs, back},
+            {"manager in the wait", managerAt(800), 800, u"original"_qs, back},
+        };
+        for (const auto &[name, others, endsAt, text, logged] : cases) {
             Scene scene;
-            if (fetchedAfter < -1)
-                scene.pasteboard->fetched.latest = scene.dispatch->now() + fetchedAfter * 1ms;
+            scene.pasteboard->beUsed({true, scene.dispatch->now() - 20ms, false});
             scene.paste(u"original"_qs);
+            scene.takeLog();
             int time = 0;
-            for (; time <= 2500 && scene.text() == u"link"; time += 10) {
-                if (time == fetchedAfter)
-                    scene.pasteboard->fetched.latest = scene.dispatch->now();
-                scene.pasteboard->fetched.transferRunning = time < transferUntil;
-                scene.dispatch->advance(10ms);
+            for (; time <= 2500 && ClipboardRestorer::isDelivering(); time += 10) {
+                others(scene, time);
+                if (ClipboardRestorer::isDelivering())
+                    scene.dispatch->advance(10ms);
             }
-            QCOMPARE(scene.text(), u"original"_qs);
-            QVERIFY(!ClipboardRestorer::isDelivering());
-            // Looks again every 25 ms.
-            QVERIFY2(time >= restoredAt && time <= restoredAt + 40,
-                     qPrintable(u"%1 instead of %2"_qs.arg(time).arg(restoredAt)));
+            QVERIFY2(
+                time >= endsAt && time <= endsAt + 10,
+                qPrintable(
+                    u"%1: %2 instead of %3"_qs.arg(QLatin1String(name)).arg(time).arg(endsAt)));
+            QCOMPARE(name + scene.text(), name + text);
+            QCOMPARE(name + scene.takeLog().join(u'|'), name + logged);
         }
-    }
-
-    void whatIsCopiedMeanwhileStays() {
-        Scene scene;
-        scene.paste(u"original"_qs);
-        scene.dispatch->advance(300ms);
-        scene.pasteboard->copyText(u"foreign"_qs);
-        scene.dispatch->advance(3s);
-        QCOMPARE(scene.text(), u"foreign"_qs);
-        QVERIFY(!ClipboardRestorer::isDelivering());
     }
 
     void armingAgainKeepsTheOlderSnapshotAndCallsTheRestoreOff() {
         Scene scene;
         scene.paste(u"user's"_qs);
-        ClipboardRestorer::arm();
-        scene.pasteboard->copyText(u"link 2"_qs);
+        scene.arm();
+        scene.write(u"link 2"_qs);
         scene.dispatch->advance(3s);
         QCOMPARE(scene.text(), u"link 2"_qs);
         ClipboardRestorer::commit(scene.pasteboard->count, scene.dispatch->now());
@@ -135,35 +176,94 @@ private Q_SLOTS:
         QCOMPARE(scene.text(), u"new"_qs);
     }
 
+    void theEndGivesBackWhatIsArmed() {
+        Scene scene;
+        scene.paste(u"user's"_qs);
+        ClipboardRestorer::finishNow();
+        QCOMPARE(scene.pasteboard->finished->value(0), (PasteboardItem{{"string", {}, "user's"}}));
+        scene.dispatch->advance(3s);
+        QCOMPARE(scene.text(), u"link"_qs); // no restore is left to come
+        ClipboardRestorer::abandon();
+        ClipboardRestorer::finishNow();
+        QVERIFY(scene.pasteboard->finished->isEmpty());
+    }
+
     void keystroke() {
+        using State = PasteAccess::State;
+        using Kind = FrontWindow::Kind;
         struct Case {
-            bool trusted, canPost;
+            State access;
+            bool canPost;
+            Kind front;
             ChildResult program;
             QString error;
+            QString pressed; ///< empty: another program was to press
         };
         const QList<Case> cases{
-            {true, true, {}, {}},
-            {false, true, {}, {}},
-            {true, false, {}, {}},
-            {false, true, {u"No"_qs, 0, {}}, u"Failed to launch keypresser: No"_qs},
-            {false, true, {{}, 1, " not allowed\n"}, u"not allowed"_qs},
-            {false, true, {{}, 3, "\n"}, u"keypresser exited 3"_qs},
+            {State::Ready, true, Kind::Application, {}, {}, u"paste 47"_qs},
+            {State::Ready, true, Kind::Unknown, {}, {}, u"paste 47"_qs},
+            {State::Ready, true, Kind::Terminal, {}, {}, u"paste Shift+47"_qs},
+            {State::NeedsConsent, true, Kind::Application, {}, {}, {}},
+            {State::Ready, false, Kind::Application, {}, {}, {}},
+            {State::Impossible,
+             true,
+             Kind::Application,
+             {u"No"_qs, 0, {}},
+             u"Failed to launch keypresser: No"_qs,
+             {}},
+            {State::Impossible,
+             true,
+             Kind::Application,
+             {{}, 1, " not allowed\n"},
+             u"not allowed"_qs,
+             {}},
+            {State::Impossible,
+             true,
+             Kind::Application,
+             {{}, 3, "\n"},
+             u"keypresser exited 3"_qs,
+             {}},
+            {State::Impossible,
+             true,
+             Kind::Application,
+             {{}, 4, "\xff\xfe"},
+             u"keypresser exited 4"_qs,
+             {}},
         };
-        for (const auto &[trusted, canPost, program, error] : cases) {
+        for (const auto &[access, canPost, front, program, error, pressed] : cases) {
             FakePlatform platform;
-            platform.keyboard->trusted = trusted;
-            platform.keyboard->canPost = canPost;
+            platform.pasteKeys->granted.state = access;
+            platform.pasteKeys->canPost = canPost;
+            platform.frontWindow->kind = front;
             platform.childProcess->result = program;
             const auto start = platform.dispatch->now();
-            const Pasting::Outcome outcome = Pasting::simulateCommandV(47, start);
-            QCOMPARE(outcome.ok, error.isEmpty());
-            QCOMPARE(outcome.error, error);
-            const bool posted = trusted && canPost;
-            QCOMPARE(platform.keyboard->events,
-                     posted ? QStringList({"settle", "paste 47"}) : QStringList("settle"));
-            QCOMPARE(platform.childProcess->runs.size(), posted ? 0 : 1);
-            QCOMPARE(outcome.at - start, trusted ? 50ms : 0ms);
+            std::optional<Pasting::Outcome> outcome;
+            Pasting::simulateCommandV(47, start, [&](const auto &got) { outcome = got; });
+            platform.dispatch->advance(49ms);
+            QVERIFY(platform.pasteKeys->events.size() <= 1); // no key before the pause is over
+            platform.dispatch->advance(1ms);
+            QCOMPARE(outcome->ok, error.isEmpty());
+            QCOMPARE(outcome->error, error);
+            QCOMPARE(platform.pasteKeys->events, pressed.isEmpty()
+                                                     ? QStringList(u"settle"_qs)
+                                                     : QStringList({"settle", pressed}));
+            QCOMPARE(platform.childProcess->runs,
+                     pressed.isEmpty() ? QStringList(u"/usr/bin/keypresser ctrl+v"_qs)
+                                       : QStringList());
+            QCOMPARE(outcome->at - start, access == State::Ready ? 50ms : 0ms);
         }
+    }
+
+    void keyOfTheLetter() {
+        FakePlatform platform;
+        QCOMPARE(Pasting::resolveVKeyCode(), 9); // no layout can be read
+        KeyLayout layout{};
+        platform.pasteKeys->keys = layout;
+        QCOMPARE(Pasting::resolveVKeyCode(), 9); // no key types it
+        layout[40] = layout[3] = U'V';
+        layout[47] = layout[110] = U'v';
+        platform.pasteKeys->keys = layout;
+        QCOMPARE(Pasting::resolveVKeyCode(), 47); // the lowest
     }
 };
 

@@ -1,6 +1,4 @@
 #include "enrichment/ReferenceDetection.h"
-#include "fakes/FakePlatform.h"
-#include "storage/Settings.h"
 
 #include <QTest>
 
@@ -57,10 +55,8 @@ private Q_SLOTS:
             {u"t"_qs, anchor(records + record + u"/x"_qs, u"t"_qs), account},
         };
         for (const auto &[plain, html, expected] : cases) {
-            FakePlatform platform;
-            Settings::shared().accountBaseURL = records;
-            platform.pasteboard->copyText(plain, html);
-            QCOMPARE(plain + html + describe(Enrichment::detectRef(site)), plain + html + expected);
+            const auto found = Enrichment::detectRef({0, plain, html, {}}, site, records);
+            QCOMPARE(plain + html + describe(found), plain + html + expected);
         }
     }
 

@@ -1,4 +1,5 @@
 #include "clipboard/ClipboardRestorer.h"
+#include "desktop/CurrentRun.h"
 #include "enrichment/Enrichment.h"
 #include "fakes/FakePlatform.h"
 #include "storage/Settings.h"
@@ -25,9 +26,9 @@ struct Scene : FakePlatform {
         secretStore->secrets = {{"org.ostrowind.brindle/jira-api-token", "t1"},
                                 {"org.ostrowind.brindle/confluence-api-token", "t2"}};
         pasteboard->copyText(text);
-        keyboard->onPaste = [this] {
+        pasteKeys->onPaste = [this] {
             pasted = clipboard();
-            pasteboard->fetched.latest = dispatch->now();
+            pasteboard->beUsed({true, dispatch->now(), false});
         };
     }
 
@@ -59,11 +60,12 @@ private Q_SLOTS:
     void recordIsPastedAndTheClipboardComesBack() {
         Scene scene;
         Enrichment::run(true);
+        scene.dispatch->advance(49ms);
         QCOMPARE(scene.clipboard(), recordLink);
         QVERIFY(scene.pasted.isEmpty());
-        scene.dispatch->drain();
+        scene.dispatch->advance(1ms);
         QCOMPARE(scene.pasted, recordLink);
-        QCOMPARE(scene.keyboard->events, QStringList({"settle", "paste 9"}));
+        QCOMPARE(scene.pasteKeys->events, QStringList({"settle", "paste 9"}));
         scene.dispatch->advance(499ms);
         QCOMPARE(scene.clipboard(), recordLink);
         Enrichment::run(true);
@@ -74,6 +76,8 @@ private Q_SLOTS:
                               "enrich: a paste is already in flight — ignoring re-trigger"}));
         scene.dispatch->advance(1ms);
         QCOMPARE(scene.clipboard(), record);
+        QCOMPARE(scene.takeLog(), QStringList("enrich: original clipboard restored"));
+        QCOMPARE(scene.pasteboard->reads, 1);
         QVERIFY(scene.notifications->shown.isEmpty());
         QCOMPARE(scene.secretStore->reads, 0);
         Enrichment::run(true);
@@ -85,8 +89,10 @@ private Q_SLOTS:
         for (const bool pasteAfter : {true, false}) {
             Scene scene;
             Settings::shared().restoreClipboardAfterPaste = !pasteAfter;
-            scene.keyboard->trusted = pasteAfter;
-            scene.keyboard->secureInput = !pasteAfter;
+            if (!pasteAfter)
+                scene.pasteKeys->granted.state = PasteAccess::State::NeedsConsent;
+            scene.secureInput->answer =
+                pasteAfter ? SecureInput::Answer::Unknown : SecureInput::Answer::Yes;
             scene.run(pasteAfter);
             QCOMPARE(scene.clipboard(), recordLink);
             QCOMPARE(scene.pasted, pasteAfter ? recordLink : QString());
@@ -94,48 +100,156 @@ private Q_SLOTS:
                      pasteAfter ? QString() : "Brindle|Clipboard: " + recordLink);
             QVERIFY(scene.alerts->shown.isEmpty());
             QVERIFY(!ClipboardRestorer::isDelivering());
+            QVERIFY(!scene.takeLog().contains("enrich: original clipboard restored"));
         }
     }
 
     void guards() {
-        // What is copied, the setting or port that is not as it should be, and what is told.
-        const QList<std::tuple<QString, QString, QString>> cases{
-            {" \n\t ", "text", "Clipboard is empty or not text."},
-            {record, "owner", "Clipboard is empty or not text."},
-            {"hello", "reference",
-             "Clipboard doesn't contain a Jira link, Confluence link, or linkable ID."},
-            {"hello", "site", "Set your Atlassian site URL in Preferences → Connection."},
-            {issue, "email", "Email not set. Open Preferences."},
-            {issue, "token", "Jira API token not set. Open Preferences."},
-            {page, "token", "Confluence API token not set. Add one in Preferences → Connection."},
-            {issue, "trust", {}},
-            {record, "trust", {}},
+        const QString none = "enrich: no Jira, Confluence, or ID reference found on the clipboard";
+        const QString access = "enrich: Accessibility not granted — skipping clipboard mutation";
+        struct Case {
+            const char *name;
+            QString copied;
+            std::function<void(Scene &)> spoil; ///< what is not as it should be
+            QString message;
+            QString logged; ///< the line before the message's own
         };
-        for (const auto &[copied, missing, message] : cases) {
+        const auto nothing = [](Scene &) {};
+        const auto noOwner = [](Scene &scene) { scene.pasteboard->contents.reset(); };
+        const auto noSite = [](Scene &) { Settings::shared().baseURL = QString(); };
+        const auto noEmail = [](Scene &) { Settings::shared().email = QString(); };
+        const auto noToken = [](Scene &scene) {
+            // Without a token nobody is asked for a permission.
+            scene.pasteKeys->granted.state = PasteAccess::State::NeedsConsent;
+            scene.secretStore->secrets = {{"org.ostrowind.brindle/jira-api-token", " "}};
+        };
+        const auto noTrust = [](Scene &scene) {
+            scene.pasteKeys->granted.state = PasteAccess::State::NeedsConsent;
+        };
+        const auto noClipboard = [](Scene &scene) { scene.pasteboard->unavailable = "no server"; };
+        const QList<Case> cases{
+            {"blank", " \n\t ", nothing, "Clipboard is empty or not text.",
+             "enrich: clipboard empty or not text"},
+            {"no owner", record, noOwner, "Clipboard is empty or not text.",
+             "enrich: clipboard empty or not text"},
+            {"no reference", "hello", nothing,
+             "Clipboard doesn't contain a Jira link, Confluence link, or linkable ID.", none},
+            {"no site", "hello", noSite, "Set your Atlassian site URL in Preferences → Connection.",
+             none},
+            {"no email", issue, noEmail, "Email not set. Open Preferences.",
+             "enrich: no email configured"},
+            {"no Jira token", issue, noToken, "Jira API token not set. Open Preferences.",
+             "enrich: no Jira token configured"},
+            {"no Confluence token", page, noToken,
+             "Confluence API token not set. Add one in Preferences → Connection.",
+             "enrich: no Confluence token configured"},
+            {"issue, not allowed", issue, noTrust, {}, access},
+            {"record, not allowed", record, noTrust, {}, access},
+            {"no clipboard", record, noClipboard, "Brindle can't reach the clipboard: no server.",
+             "enrich: there is no clipboard (no server)"},
+        };
+        for (const auto &[name, copied, spoil, message, logged] : cases) {
             Scene scene(copied);
-            if (missing == "owner")
-                scene.pasteboard->contents.reset();
-            if (missing == "site")
-                Settings::shared().baseURL = QString();
-            if (missing == "email")
-                Settings::shared().email = QString();
-            if (missing == "token")
-                scene.secretStore->secrets = {{"org.ostrowind.brindle/jira-api-token", " "}};
-            scene.keyboard->trusted = missing != "trust";
+            spoil(scene);
             const qint64 changes = scene.pasteboard->count;
 
             scene.run();
 
-            QCOMPARE(scene.notifications->shown.join('\n'),
-                     message.isEmpty() ? QString() : "Brindle|" + message);
-            QCOMPARE(scene.app.preferencesOpened, missing == "email" || missing == "token" ? 1 : 0);
-            QCOMPARE(scene.alerts->shown.size(), missing == "trust" ? 1 : 0);
+            const QString row = name;
+            QCOMPARE(row + scene.notifications->shown.join('\n'),
+                     row + (message.isEmpty() ? QString() : "Brindle|" + message));
+            const QStringList log = scene.takeLog();
+            const qsizetype place = log.size() - (message.isEmpty() ? 1 : 2);
+            QCOMPARE(row + log.value(place), row + logged);
+            const bool opens = row.contains("email") || row.contains("token");
+            QCOMPARE(row + QString::number(scene.app.preferencesOpened),
+                     row + QString::number(opens ? 1 : 0));
+            QCOMPARE(scene.alerts->shown.size(), message.isEmpty() ? 1 : 0);
             QCOMPARE(scene.pasteboard->count, changes);
-            QVERIFY(scene.app.fetchingStates.isEmpty());
-            QVERIFY(scene.keyboard->events.isEmpty());
-            if (missing == "email") // the token of a user without an address is not looked at
+            QVERIFY2(scene.app.fetchingStates.isEmpty(), name);
+            QVERIFY2(scene.pasteKeys->events.isEmpty(), name);
+            if (row == "no email") // the token of a user without an address is not looked at
                 QCOMPARE(scene.secretStore->reads, 0);
+            QCOMPARE(CurrentRun::phase(), RunPhase::Idle);
         }
+    }
+
+    void accessibilityAlert() {
+        for (const auto &[button, missing, logged] :
+             {std::tuple(0, QString(), QString()), std::tuple(1, QString(), QString()),
+              std::tuple(0, QString("no page"),
+                         QString("enrich: can't open the accessibility settings: no page"))}) {
+            Scene scene;
+            scene.pasteKeys->granted.state = PasteAccess::State::NeedsConsent;
+            scene.alerts->answer = button;
+            scene.workspace->missing = missing;
+            scene.run();
+            const Alert alert = scene.alerts->shown.value(0);
+            QCOMPARE(alert.style, Alert::Style::Warning);
+            QCOMPARE(alert.message, "Brindle needs Accessibility permission");
+            QCOMPARE(
+                alert.informativeText,
+                "The clipboard is updated, but macOS blocked the paste because Accessibility "
+                "isn't enabled for this build of Brindle.\n\nClick the button below, then turn "
+                "the switch on for Brindle (add it manually with the + button if it isn't "
+                "listed yet).\n\nDetails: Brindle isn't in the Accessibility allowlist yet.");
+            QCOMPARE(alert.buttons, QStringList({"Open Accessibility Settings", "Dismiss"}));
+            QCOMPARE(scene.workspace->opened, button == 0 ? 1 : 0);
+            if (!logged.isEmpty())
+                QCOMPARE(scene.takeLog().constLast(), logged);
+        }
+    }
+
+    void withoutKeysTheLinkIsCopiedAndThatIsSaidOnce() {
+        Scene scene;
+        scene.pasteKeys->granted = {PasteAccess::State::Impossible, "no keys today"};
+        for (int times = 0; times < 2; ++times) {
+            scene.pasteboard->copyText(record);
+            scene.run();
+            QCOMPARE(scene.clipboard(), recordLink);
+        }
+        QCOMPARE(
+            scene.notifications->shown,
+            QStringList({"Brindle|Brindle can't paste here: no keys today. Links are copied for "
+                         "you to paste.",
+                         "Brindle|Clipboard: " + recordLink, "Brindle|Clipboard: " + recordLink}));
+        QVERIFY(scene.alerts->shown.isEmpty());
+        QVERIFY(scene.pasteKeys->events.isEmpty());
+    }
+
+    void secureInputLeavesTheLink() {
+        Scene scene;
+        scene.secureInput->answer = SecureInput::Answer::Yes;
+        scene.run();
+        QCOMPARE(scene.clipboard(), recordLink);
+        QCOMPARE(
+            scene.notifications->shown,
+            QStringList(u"Brindle|Couldn't paste: secure keyboard entry is active (a password "
+                        u"field or password manager). The enriched link is on your clipboard — "
+                        u"paste it with ⌘V."_qs));
+        QVERIFY(scene.takeLog().contains("enrich: secure keyboard entry active — leaving enriched "
+                                         "link for manual paste"));
+        QVERIFY(scene.pasteKeys->events.isEmpty());
+        QVERIFY(!ClipboardRestorer::isDelivering());
+    }
+
+    void copyMadeMeanwhileIsWhatComesBack() {
+        Scene scene(issue);
+        scene.pasteboard->beforeWrite = [&] { scene.pasteboard->copyText("user's newer"); };
+        Enrichment::run(true);
+        scene.answer(200, R"({"fields":{"summary":"Crash"}})");
+        scene.dispatch->advance(3s);
+        QVERIFY(scene.pasted.contains("ABC-1"));
+        QCOMPARE(scene.clipboard(), "user's newer");
+        QCOMPARE(scene.pasteboard->reads, 2);
+    }
+
+    void nothingBeginsAfterTheEnd() {
+        Scene scene;
+        CurrentRun::enter(RunPhase::Ended);
+        scene.run();
+        QCOMPARE(scene.clipboard(), record);
+        QCOMPARE(scene.pasteboard->reads, 0);
     }
 
     void fetchedTitleIsPastedAndAFailureOnlyTold() {
@@ -166,7 +280,13 @@ private Q_SLOTS:
             scene.pasted.clear();
             const qint64 changes = scene.pasteboard->count;
             scene.run();
-            QVERIFY(scene.notifications->shown.value(0).endsWith(" returned HTTP 404"));
+            const bool isPage = copied == blog;
+            const QString failure =
+                isPage ? "Confluence returned HTTP 404" : "Jira returned HTTP 404";
+            QCOMPARE(scene.notifications->shown, QStringList("Brindle|" + failure));
+            QVERIFY(scene.takeLog().contains(
+                (isPage ? "enrich: confluence fetch failed (" : "enrich: fetch failed (") +
+                failure + ")"));
             QCOMPARE(scene.pasteboard->count, changes);
             QCOMPARE(scene.pasted, QString());
             QCOMPARE(scene.app.fetchingStates, QList<bool>({true, false, true, false}));
@@ -190,17 +310,26 @@ private Q_SLOTS:
         const QList<std::pair<QString, bool>> cases{
             {"X is Not Allowed to send Keystrokes.", true},
             {"execution error (1002)", true},
+            {"Not Authorized", true},
             {"no display", false},
         };
         for (const auto &[reason, permission] : cases) {
             Scene scene;
-            scene.keyboard->canPost = false;
+            scene.pasteKeys->canPost = false;
             scene.childProcess->result = {{}, 1, reason.toUtf8()};
             scene.run();
             QCOMPARE(scene.clipboard(), recordLink);
             QVERIFY(!ClipboardRestorer::isDelivering());
+            QVERIFY(scene.takeLog().contains("enrich: paste failed (" + reason + ")"));
+            if (permission)
+                QVERIFY(
+                    scene.alerts->shown.value(0).informativeText.endsWith("Details: " + reason));
             QCOMPARE(scene.alerts->shown.size(), permission ? 1 : 0);
-            QCOMPARE(scene.notifications->shown.size(), permission ? 0 : 1);
+            QCOMPARE(
+                scene.notifications->shown,
+                permission
+                    ? QStringList()
+                    : QStringList("Brindle|Clipboard updated but paste failed: " + reason + "."));
         }
     }
 };

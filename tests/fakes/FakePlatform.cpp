@@ -1,6 +1,7 @@
 #include "fakes/FakePlatform.h"
 
 #include "clipboard/ClipboardRestorer.h"
+#include "desktop/CurrentRun.h"
 #include "platform/wording.h"
 #include "storage/LogStore.h"
 #include "storage/Settings.h"
@@ -11,7 +12,7 @@ std::shared_ptr<Semaphore> ManualDispatch::makeSemaphore() {
         void signal() override { ++count; }
         bool wait(std::chrono::milliseconds timeout) override {
             if (count == 0)
-                dispatch.sleepUntil(dispatch.now() + timeout); // time passes for who waits in vain
+                dispatch.m_now += timeout; // time passes for who waits in vain
             return count > 0 && count-- > 0;
         }
         ManualDispatch &dispatch;
@@ -20,9 +21,9 @@ std::shared_ptr<Semaphore> ManualDispatch::makeSemaphore() {
     return std::make_shared<ManualSemaphore>(*this);
 }
 
-WorkItem ManualDispatch::after(std::chrono::milliseconds delay, Task task) {
+WorkItem ManualDispatch::at(Clock::time_point time, Task task) {
     auto cancelled = std::make_shared<bool>(false);
-    m_timers.emplace(m_now + delay, [cancelled, task = std::move(task)] {
+    m_timers.emplace(time, [cancelled, task = std::move(task)] {
         if (!*cancelled)
             task();
     });
@@ -55,7 +56,7 @@ void ManualDispatch::onBackground(const Task &task) {
     m_onMain = true;
 }
 
-std::optional<QString> FakePasteboard::text(PasteboardType type) {
+std::optional<QString> FakePasteboard::text(PasteboardType type) const {
     for (const PasteboardItem &item : contents.value_or(QList<PasteboardItem>())) {
         for (const PasteboardRepresentation &one : item) {
             if (one.name == names.at(static_cast<int>(type)))
@@ -65,55 +66,93 @@ std::optional<QString> FakePasteboard::text(PasteboardType type) {
     return std::nullopt;
 }
 
-std::optional<QList<QList<PasteboardOffer>>> FakePasteboard::items() {
-    if (!contents)
-        return std::nullopt;
-    QList<QList<PasteboardOffer>> all;
-    for (const PasteboardItem &item : *contents) {
-        all.emplace_back();
-        for (const PasteboardRepresentation &one : item) {
-            all.last().append({one.name, {}});
-            if (const auto type = names.indexOf(one.name); type >= 0)
-                all.last().last().type = static_cast<PasteboardType>(type);
-        }
+void FakePasteboard::read(Read done) {
+    ++reads;
+    ClipboardContents read{count, text(PasteboardType::String), text(PasteboardType::Html),
+                           contents};
+    if (read.items) {
+        for (PasteboardItem &item : *read.items)
+            item.removeIf([this](const auto &one) { return !names.contains(one.name); });
     }
-    return all;
+    done(read);
 }
 
-PasteboardItem FakePasteboard::read(qsizetype item, const QList<PasteboardOffer> &offers) {
-    PasteboardItem given;
-    for (const PasteboardOffer &offer : offers) {
-        for (const PasteboardRepresentation &one : contents->at(item)) {
-            if (one.name == offer.name)
-                given.append(one);
-        }
-    }
-    return given;
-}
-
-void FakePasteboard::write(const QList<std::pair<PasteboardType, QByteArray>> &flavours) {
+PasteboardItem
+FakePasteboard::item(const QList<std::pair<PasteboardType, QByteArray>> &flavours) const {
     PasteboardItem item;
     for (const auto &[type, data] : flavours)
         item.append({names.at(static_cast<int>(type)), {}, data});
-    restore({item});
+    return item;
+}
+
+void FakePasteboard::put(const QList<PasteboardItem> &items, std::optional<qint64> ifCountIs,
+                         const Written &done) {
+    if (beforeWrite)
+        std::exchange(beforeWrite, nullptr)();
+    if (ifCountIs && *ifCountIs != count) {
+        done(std::nullopt);
+        return;
+    }
+    contents = items;
+    used = {true, {}, false};
+    done(PasteboardWrite{++count, clock->now()});
+}
+
+void FakePasteboard::write(const QList<std::pair<PasteboardType, QByteArray>> &flavours,
+                           std::optional<qint64> ifCountIs, Written done) {
+    put({item(flavours)}, ifCountIs, done);
+}
+
+void FakePasteboard::restore(const QList<PasteboardItem> &items, std::optional<qint64> ifCountIs,
+                             Written done) {
+    put(items, ifCountIs, done);
+}
+
+void FakePasteboard::copy(const QList<PasteboardItem> &items) {
+    contents = items;
+    ++count;
+    beUsed({});
 }
 
 void FakePasteboard::copyText(const QString &text, const QString &html) {
-    write({{PasteboardType::String, text.toUtf8()}});
+    QList<std::pair<PasteboardType, QByteArray>> flavours{{PasteboardType::String, text.toUtf8()}};
     if (!html.isEmpty())
-        contents->first().append({"html", {}, html.toUtf8()});
+        flavours.append({PasteboardType::Html, html.toUtf8()});
+    copy({item(flavours)});
+}
+
+void FakePasteboard::beUsed(const PasteboardUse &use) {
+    used = use;
+    if (const auto changed = m_useChanged)
+        changed();
+}
+
+void FakeHotkeys::bind(const QList<KeyCombo> &all, std::function<void()> pressed,
+                       std::function<void()>, Outcome outcome) {
+    registered.clear();
+    QList<Refusal> refusals;
+    for (const KeyCombo &combo : all) {
+        if (taken.contains(combo))
+            refusals.append({combo, QStringLiteral("is taken by another program")});
+        else
+            registered.append({combo, pressed});
+    }
+    outcome(refusals);
 }
 
 FakePlatform::FakePlatform() {
-    Platform::install({dispatch, pasteboard, keyboard, hotkeys, childProcess, notifications,
-                       defaults, secretStore, alerts, workspace, nullptr, urlSession, loginItems});
+    pasteboard->clock = dispatch;
+    Platform::install({dispatch, pasteboard, pasteKeys, secureInput, frontWindow, hotkeys,
+                       childProcess, notifications, defaults, secretStore, alerts, workspace,
+                       nullptr, urlSession, loginItems});
+    CurrentRun::startAfresh();
     Settings::restart();
     setWording(macWording());
 }
 
 FakePlatform::~FakePlatform() {
     // Work that a test left queued runs out here, with nothing of the test's own any more.
-    keyboard->onPaste = nullptr;
+    pasteKeys->onPaste = nullptr;
     takeLog();
     ClipboardRestorer::abandon();
     takeLog();

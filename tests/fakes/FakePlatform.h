@@ -14,10 +14,13 @@ public:
     bool isMainThread() const override { return m_onMain; }
     void toMain(Task task) override { m_main.push_back(std::move(task)); }
     void toBackground(Task task) override { m_background.push_back(std::move(task)); }
-    WorkItem after(std::chrono::milliseconds delay, Task task) override;
+    WorkItem after(std::chrono::milliseconds delay, Task task) override {
+        return at(m_now + delay, std::move(task));
+    }
+    WorkItem at(Clock::time_point time, Task task) override;
     Clock::time_point now() const override { return m_now; }
     QDateTime wallTime() const override { return m_wall; }
-    void sleepUntil(Clock::time_point time) override { m_now = std::max(m_now, time); }
+    void finish() override { m_background.clear(); }
     std::shared_ptr<Semaphore> makeSemaphore() override;
 
     /// Runs one thing that is queued or due; false when there is none.
@@ -42,69 +45,101 @@ private:
     std::multimap<Clock::time_point, Task> m_timers;
 };
 
-/// A pasteboard of several items in memory. Its native names are short words.
+/// A pasteboard of several items in memory, which answers at once. Its native names are short words.
 class FakePasteboard : public Pasteboard {
 public:
-    qint64 changeCount() override { return count; }
-    std::optional<QString> text(PasteboardType type) override;
-    std::optional<QList<QList<PasteboardOffer>>> items() override;
-    PasteboardItem read(qsizetype item, const QList<PasteboardOffer> &offers) override;
-    void write(const QList<std::pair<PasteboardType, QByteArray>> &flavours) override;
-    void restore(const QList<PasteboardItem> &items) override {
-        contents = items;
-        ++count;
-    }
-    PasteboardFetches fetches() override { return fetched; }
-    void handOver() override {}
+    QString unavailableBecause() const override { return unavailable; }
+    void read(Read done) override;
+    void write(const QList<std::pair<PasteboardType, QByteArray>> &flavours,
+               std::optional<qint64> ifCountIs, Written done) override;
+    void restore(const QList<PasteboardItem> &items, std::optional<qint64> ifCountIs,
+                 Written done) override;
+    PasteboardUse use() const override { return used; }
+    void onUseChange(std::function<void()> changed) override { m_useChanged = std::move(changed); }
+    void finish(const QList<PasteboardItem> &original) override { finished = original; }
 
     /// What the user or another program copies.
-    void copy(const QList<PasteboardItem> &items) { restore(items); }
+    void copy(const QList<PasteboardItem> &items);
     void copyText(const QString &text, const QString &html = {});
+    /// Others fetch what we own, or take it.
+    void beUsed(const PasteboardUse &use);
+
+    /// The text of that type in what is on the pasteboard.
+    std::optional<QString> text(PasteboardType type) const;
 
     std::optional<QList<PasteboardItem>> contents = QList<PasteboardItem>();
     qint64 count = 0;
-    PasteboardFetches fetched;
+    int reads = 0;
+    PasteboardUse used;
+    std::function<void()> beforeWrite; ///< what happens just before a write is carried out
+    std::optional<QList<PasteboardItem>> finished;
+    QString unavailable;
+    std::shared_ptr<ManualDispatch> clock; ///< of the writes
 
 private:
+    void put(const QList<PasteboardItem> &items, std::optional<qint64> ifCountIs,
+             const Written &done);
+    PasteboardItem item(const QList<std::pair<PasteboardType, QByteArray>> &flavours) const;
+
+    std::function<void()> m_useChanged;
     /// In the order of PasteboardType.
     const QList<QByteArray> names{"string", "html", "rtf", "rtfd", "url", "file", "table"};
 };
 
-class FakeKeyboard : public Keyboard {
+class FakePasteKeys : public PasteKeys {
 public:
-    bool isTrusted() override { return trusted; }
-    bool isSecureInputActive() override { return secureInput; }
-    bool isPasswordFieldFocused(std::chrono::milliseconds) override { return passwordField; }
-    std::optional<KeyLayout> currentLayout() override { return layout; }
-    void settleHeldKeys() override { events.append(QStringLiteral("settle")); }
-    bool postPaste(quint16 vKey) override {
+    PasteAccess access() const override { return granted; }
+    void requestAccess(std::function<void(const PasteAccess &)> done) override {
+        ++requests;
+        done(granted);
+    }
+    std::optional<KeyLayout> layout() override { return keys; }
+    void settle(std::function<void()> done) override {
+        events.append(QStringLiteral("settle"));
+        done();
+    }
+    void press(const PasteChord &chord, std::function<void(bool)> done) override {
         if (canPost)
-            events.append(QStringLiteral("paste %1").arg(vKey));
+            events.append(QStringLiteral(u"paste %1%2").arg(
+                QString(chord.withShift ? QStringLiteral("Shift+") : QString()),
+                QString::number(chord.vKey)));
         if (canPost && onPaste)
             onPaste();
-        return canPost;
+        done(canPost);
     }
-    ScriptedPaste scriptedPaste() const override {
-        return {QStringLiteral("/usr/bin/keypresser"), {QStringLiteral("ctrl+v")}};
+    std::optional<ScriptedPaste> scriptedPaste() const override {
+        return ScriptedPaste{QStringLiteral("/usr/bin/keypresser"), {QStringLiteral("ctrl+v")}};
     }
 
-    bool trusted = true;
-    bool secureInput = false;
-    bool passwordField = false;
+    PasteAccess granted;
     bool canPost = true;
-    std::optional<KeyLayout> layout;
-    QStringList events; ///< "settle", "paste 9"
+    std::optional<KeyLayout> keys;
+    int requests = 0;
+    QStringList events; ///< "settle", "paste 9", "paste Shift+9"
     std::function<void()> onPaste;
+};
+
+class FakeSecureInput : public SecureInput {
+public:
+    void check(std::chrono::milliseconds, std::function<void(Answer)> done) override {
+        done(answer);
+    }
+
+    Answer answer = Answer::No;
+};
+
+class FakeFrontWindow : public FrontWindow {
+public:
+    void find(std::function<void(Kind)> done) override { done(kind); }
+
+    Kind kind = Kind::Application;
 };
 
 class FakeHotkeys : public Hotkeys {
 public:
-    bool add(const KeyCombo &combo, std::function<void()> pressed) override {
-        if (!taken.contains(combo))
-            registered.append({combo, std::move(pressed)});
-        return !taken.contains(combo);
-    }
-    void removeAll() override { registered.clear(); }
+    void bind(const QList<KeyCombo> &all, std::function<void()> pressed, std::function<void()>,
+              Outcome outcome) override;
+    void unbind() override { registered.clear(); }
     std::optional<quint32> virtualKey(quint32 scanCode) const override {
         return virtualKeys.contains(scanCode) ? std::optional(virtualKeys[scanCode]) : std::nullopt;
     }
@@ -116,9 +151,10 @@ public:
 
 class FakeChildProcess : public ChildProcess {
 public:
-    ChildResult run(const QString &program, const QStringList &arguments) override {
+    void run(const QString &program, const QStringList &arguments,
+             std::function<void(const ChildResult &)> done) override {
         runs.append(program + u' ' + arguments.join(u' '));
-        return result;
+        done(result);
     }
 
     ChildResult result;
@@ -271,7 +307,9 @@ struct FakePlatform {
 
     std::shared_ptr<ManualDispatch> dispatch = std::make_shared<ManualDispatch>();
     std::shared_ptr<FakePasteboard> pasteboard = std::make_shared<FakePasteboard>();
-    std::shared_ptr<FakeKeyboard> keyboard = std::make_shared<FakeKeyboard>();
+    std::shared_ptr<FakePasteKeys> pasteKeys = std::make_shared<FakePasteKeys>();
+    std::shared_ptr<FakeSecureInput> secureInput = std::make_shared<FakeSecureInput>();
+    std::shared_ptr<FakeFrontWindow> frontWindow = std::make_shared<FakeFrontWindow>();
     std::shared_ptr<FakeHotkeys> hotkeys = std::make_shared<FakeHotkeys>();
     std::shared_ptr<FakeChildProcess> childProcess = std::make_shared<FakeChildProcess>();
     std::shared_ptr<FakeNotifications> notifications = std::make_shared<FakeNotifications>();

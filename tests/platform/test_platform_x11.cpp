@@ -1,7 +1,9 @@
-#include "platform/x11/X11Connection.h"
+#include "contract/PasteboardContract.h"
+#include "platform/qt/QtDispatch.h"
+#include "platform/x11/X11Clipboard.h"
+#include "platform/x11/X11EventSource.h"
 #include "platform/x11/X11Hotkeys.h"
-#include "platform/x11/X11Keyboard.h"
-#include "platform/x11/X11Pasteboard.h"
+#include "platform/x11/X11PasteKeys.h"
 #include "stage/Actors.h"
 #include "stage/ClipboardReader.h"
 #include "stage/VirtualDesktop.h"
@@ -18,13 +20,54 @@ namespace {
 
 /// The ports of one desktop, in this process.
 struct Ports {
-    std::shared_ptr<X11Connection> x11 = std::make_shared<X11Connection>();
-    std::unique_ptr<X11Pasteboard> pasteboard = std::make_unique<X11Pasteboard>(x11);
+    std::shared_ptr<QtDispatch> dispatch = std::make_shared<QtDispatch>();
+    std::shared_ptr<X11Connection> x11 = connectToX11();
+    std::shared_ptr<ThreadedPasteboard> pasteboard = std::make_shared<ThreadedPasteboard>(
+        dispatch, [](int interrupt, ThreadedPasteboard::News news) {
+            return std::make_unique<X11Clipboard>(interrupt, std::move(news));
+        });
     std::shared_ptr<X11Hotkeys> hotkeys = std::make_shared<X11Hotkeys>(x11);
-    std::unique_ptr<X11Keyboard> keyboard = std::make_unique<X11Keyboard>(x11, hotkeys);
+    X11PasteKeys keys{x11, hotkeys, dispatch};
+
+    ClipboardContents read() const { return PasteboardContract::read(*pasteboard); }
+    auto write(const QByteArray &text, const QByteArray &html = {}) const {
+        return PasteboardContract::write(*pasteboard, text, html);
+    }
+    /// Whether the combination could be had.
+    bool bind(const KeyCombo &combo, std::function<void()> pressed) const {
+        QList<Hotkeys::Refusal> refused;
+        hotkeys->bind({combo}, std::move(pressed), nullptr,
+                      [&](const QList<Hotkeys::Refusal> &refusals) { refused = refusals; });
+        return refused.isEmpty();
+    }
 };
 
 constexpr KeyCombo ctrlAltSuperV{9, 6400};
+
+/// Programs on an X display.
+class Neighbours : public ClipboardNeighbours {
+public:
+    explicit Neighbours(const VirtualDesktop &desktop) : m_desktop(desktop) {}
+
+    void copy(const QString &text, const QString &html) override {
+        QList<OwnedFlavour> flavours{{"UTF8_STRING", text.toUtf8()}};
+        if (!html.isEmpty())
+            flavours.prepend({"text/html", html.toUtf8()});
+        m_owner = std::make_unique<ClipboardOwner>(m_desktop, flavours);
+    }
+
+    QStringList paste() override {
+        ClipboardReader reader(m_desktop.display(), 15000);
+        QStringList pasted;
+        for (const char *name : {"UTF8_STRING", "text/html"})
+            pasted.append(QString::fromUtf8(reader.data(name).value_or("(nothing)")));
+        return pasted;
+    }
+
+private:
+    const VirtualDesktop &m_desktop;
+    std::unique_ptr<ClipboardOwner> m_owner;
+};
 
 QByteArray utf16(const QString &text) {
     return QByteArray(reinterpret_cast<const char *>(text.utf16()), text.size() * 2);
@@ -41,7 +84,7 @@ private Q_SLOTS:
         QVERIFY2(m_desktop->problem().isEmpty(), qPrintable(m_desktop->problem()));
         qputenv("DISPLAY", m_desktop->display().toLocal8Bit());
         m_ports = std::make_unique<Ports>();
-        QVERIFY(m_ports->x11->isOpen());
+        QVERIFY(m_ports->x11);
     }
 
     void cleanupTestCase() {
@@ -50,8 +93,22 @@ private Q_SLOTS:
     }
 
     void nobodyOwnsTheClipboard() { // yet
-        QCOMPARE(m_ports->pasteboard->text(PasteboardType::String), std::nullopt);
-        QVERIFY(!m_ports->pasteboard->items());
+        const ClipboardContents contents = m_ports->read();
+        QCOMPARE(contents.text, std::nullopt);
+        QVERIFY(!contents.items);
+    }
+
+    void contract_data() {
+        QTest::addColumn<QString>("row");
+        for (const QString &row : PasteboardContract::rows().keys())
+            QTest::newRow(qPrintable(row)) << row;
+    }
+
+    void contract() {
+        QFETCH(QString, row);
+        Neighbours neighbours(*m_desktop);
+        QCOMPARE(PasteboardContract::rows()[row]([] { return Ports().pasteboard; }, neighbours),
+                 QString());
     }
 
     void texts() {
@@ -69,12 +126,26 @@ private Q_SLOTS:
         for (const auto &[flavour, text] : cases) {
             const ClipboardOwner owner(*m_desktop, {flavour});
             QVERIFY(owner.ownsClipboard());
-            auto kind = PasteboardType::String, other = PasteboardType::Html;
-            if (flavour.name == "text/html")
-                std::swap(kind, other);
-            QCOMPARE(m_ports->pasteboard->text(kind).value_or("(nothing)"), text);
-            QCOMPARE(m_ports->pasteboard->text(other), std::nullopt);
+            const ClipboardContents contents = m_ports->read();
+            const bool isHtml = flavour.name == "text/html";
+            QCOMPARE((isHtml ? contents.html : contents.text).value_or("(nothing)"), text);
+            QCOMPARE(isHtml ? contents.text : contents.html, std::nullopt);
         }
+    }
+
+    void eachFlavourIsAskedForOnce() {
+        const ClipboardOwner owner(*m_desktop, {{"text/plain;charset=utf-8", "a"},
+                                                {"UTF8_STRING", "a"},
+                                                {"text/html", "<b>a</b>"},
+                                                {"image/png", "png"}});
+        QVERIFY(owner.ownsClipboard());
+        m_ports->read();
+        QStringList asked;
+        for (const QJsonObject &request : owner.events("request"))
+            asked.append(request["target"].toString());
+        asked.sort();
+        QCOMPARE(asked,
+                 QStringList({"TARGETS", "UTF8_STRING", "text/html", "text/plain;charset=utf-8"}));
     }
 
     void badOwners() {
@@ -86,25 +157,37 @@ private Q_SLOTS:
             QVERIFY(owner.ownsClipboard());
             QElapsedTimer timer;
             timer.start();
-            QCOMPARE(m_ports->pasteboard->text(PasteboardType::String), std::nullopt);
-            QCOMPARE(m_ports->pasteboard->text(PasteboardType::Html), std::nullopt);
+            const ClipboardContents contents = m_ports->read();
+            QVERIFY2(!contents.text && !contents.html, qPrintable(behaviour[0]));
             // Who drips without end has five seconds, others one.
             QVERIFY2(timer.elapsed() < (behaviour.size() > 1 ? 9000 : 4000),
                      qPrintable(behaviour[0] + QString::number(timer.elapsed())));
             // And the next owner is read as ever.
             const ClipboardOwner good(*m_desktop, {{"UTF8_STRING", "fine"}});
-            QTRY_COMPARE(m_ports->pasteboard->text(PasteboardType::String), "fine");
+            QTRY_COMPARE(m_ports->read().text, "fine");
         }
-        // One that is silent only about what it does not offer is read nevertheless.
+        // One that is silent about what it does not offer is read nevertheless, and at once.
         const ClipboardOwner odd(*m_desktop, {{"text/plain;charset=utf-8", "odd"}},
                                  {"--never-refuse"});
-        QTRY_COMPARE(m_ports->pasteboard->text(PasteboardType::String), "odd");
+        QTRY_COMPARE(m_ports->read().text, "odd");
+    }
+
+    void hungOwnerHoldsNobodyUp() {
+        const ClipboardOwner owner(*m_desktop, {{"UTF8_STRING", "x"}}, {"--never-answer"});
+        QVERIFY(owner.ownsClipboard());
+        auto ports = std::make_unique<Ports>();
+        ports->pasteboard->read([](const ClipboardContents &) {});
+        QTest::qWait(50); // it is asked by now, and waits
+        QElapsedTimer timer;
+        timer.start();
+        ports->pasteboard->finish({});
+        ports.reset();
+        QVERIFY2(timer.elapsed() < 500, qPrintable(QString::number(timer.elapsed())));
     }
 
     void snapshotComesBackByteForByte() {
         const QByteArray html("<b>\0\xff</b>", 9);
-        QList<QList<PasteboardOffer>> items;
-        PasteboardItem kept;
+        QList<PasteboardItem> kept;
         {
             const ClipboardOwner owner(*m_desktop, {{"text/html", html},
                                                     {"TEXT", "caf\xe9", "STRING"},
@@ -113,12 +196,9 @@ private Q_SLOTS:
                                                     {"image/png", "png"},
                                                     {"text/uri-list", "file:///a\r\n"}});
             QVERIFY(owner.ownsClipboard());
-            items = m_ports->pasteboard->items().value();
-            QCOMPARE(items.constFirst().size(), 6); // neither TARGETS nor its like
-            items[0].removeIf([](const PasteboardOffer &offer) { return !offer.type; });
-            kept = m_ports->pasteboard->read(0, items[0]);
+            kept = m_ports->read().items.value();
         }
-        m_ports->pasteboard->restore({kept});
+        QVERIFY(PasteboardContract::restore(*m_ports->pasteboard, kept));
         const auto given = readElsewhere({"text/html", "TEXT", "UTF8_STRING", "text/uri-list"});
         QCOMPARE(given.data, (QList<QByteArray>{html, "caf\xe9", "café", "file:///a\r\n"}));
         QCOMPARE(given.types, (QStringList{"text/html", "STRING", "UTF8_STRING", "text/uri-list"}));
@@ -126,39 +206,40 @@ private Q_SLOTS:
     }
 
     void whatWeWriteIsReadElsewhere() {
-        X11Pasteboard &pasteboard = *m_ports->pasteboard;
         const QByteArray large(1'500'000, 'h');
-        pasteboard.write({{PasteboardType::Html, large}, {PasteboardType::String, "é 🐞"}});
+        m_ports->write("é 🐞", large);
         QVERIFY(!readElsewhere({}).targets.contains("STRING")); // it has no 🐞
-        QVERIFY(!pasteboard.fetches().latest); // to ask what there is is to fetch nothing
+        QVERIFY(!m_ports->pasteboard->use().latest); // to ask what there is is to fetch nothing
         const auto given = readElsewhere({"UTF8_STRING", "text/plain;charset=utf-8", "text/html"});
         QCOMPARE(given.data, (QList<QByteArray>{"é 🐞", "é 🐞", large}));
-        QTRY_VERIFY(!pasteboard.fetches().transferRunning);
-        QVERIFY(pasteboard.fetches().latest);
+        QTRY_VERIFY(!m_ports->pasteboard->use().transferRunning);
     }
 
-    void changeCountSeesOthersAndCountsOursOnce() {
-        X11Pasteboard &pasteboard = *m_ports->pasteboard;
-        pasteboard.write({{PasteboardType::String, "mine"}});
-        const qint64 mine = pasteboard.changeCount();
-        pasteboard.write({{PasteboardType::String, "mine again"}});
-        QCOMPARE(pasteboard.changeCount(), mine + 1);
-        {
-            // A clipboard manager that takes over what we wrote is no new copy.
-            const ClipboardOwner manager(*m_desktop, {{"UTF8_STRING", "mine again"}});
-            QVERIFY(manager.ownsClipboard());
-            QCOMPARE(pasteboard.changeCount(), mine + 1);
-        }
-        pasteboard.write({{PasteboardType::String, "third"}});
-        const qint64 third = pasteboard.changeCount();
-        const ClipboardOwner user(*m_desktop, {{"UTF8_STRING", "user's"}});
-        QVERIFY(user.ownsClipboard());
-        QVERIFY(pasteboard.changeCount() > third);
+    void managerThatTakesOverChangesNothing() {
+        const auto mine = m_ports->write("mine");
+        const ClipboardOwner manager(*m_desktop, {{"UTF8_STRING", "mine"}});
+        QVERIFY(manager.ownsClipboard());
+        QTRY_VERIFY(!m_ports->pasteboard->use().isOurs);
+        QCOMPARE(m_ports->read().changeCount, mine->changeCount);
+        QVERIFY(PasteboardContract::restore(*m_ports->pasteboard, {{{"UTF8_STRING", {}, "back"}}},
+                                            mine->changeCount));
+        QCOMPARE(readElsewhere({"UTF8_STRING"}).data, QList<QByteArray>{"back"});
+    }
+
+    void ownWindowPastesAtOnce() {
+        // The toolkit blocks the main thread until whoever owns the clipboard has answered.
+        m_ports->write("ours");
+        m_ports->x11->sync();
+        QElapsedTimer timer;
+        timer.start();
+        const QString pasted = readBlocking();
+        QCOMPARE(pasted, "ours");
+        QVERIFY2(timer.elapsed() < 1000, qPrintable(QString::number(timer.elapsed())));
     }
 
     void hotkeyFiresOncePerPressWithAnyLock() {
         int presses = 0;
-        QVERIFY(m_ports->hotkeys->add(ctrlAltSuperV, [&] { ++presses; }));
+        QVERIFY(m_ports->bind(ctrlAltSuperV, [&] { ++presses; }));
         VirtualKeyboard keys(m_desktop->keyboardDisplay());
         const QList<int> hotkey{keyCode(KEY_LEFTCTRL), keyCode(KEY_LEFTALT), keyCode(KEY_LEFTMETA),
                                 keyCode(KEY_V)};
@@ -178,7 +259,7 @@ private Q_SLOTS:
         QCOMPARE(presses, 4);
         for (auto key = hotkey.crbegin(); key != hotkey.crend(); ++key)
             keys.release(*key);
-        m_ports->hotkeys->removeAll();
+        m_ports->hotkeys->unbind();
         press();
         m_ports->x11->sync();
         QCOMPARE(presses, 4);
@@ -186,14 +267,14 @@ private Q_SLOTS:
 
     void takenHotkeyIsRefusedAndLeavesNothingGrabbed() {
         const Ports other;
-        QVERIFY(other.hotkeys->add(ctrlAltSuperV, [] {}));
-        QVERIFY(!m_ports->hotkeys->add(ctrlAltSuperV, [] {}));
-        other.hotkeys->removeAll();
+        QVERIFY(other.bind(ctrlAltSuperV, [] {}));
+        QVERIFY(!m_ports->bind(ctrlAltSuperV, [] {}));
+        other.hotkeys->unbind();
         other.x11->sync();
-        QVERIFY(m_ports->hotkeys->add(ctrlAltSuperV, [] {}));
-        m_ports->hotkeys->removeAll();
-        QVERIFY(!m_ports->hotkeys->add({0x7f, 256}, [] {}));  // no such key
-        QVERIFY(!m_ports->hotkeys->add({9, 0x10000}, [] {})); // no modifier we know
+        QVERIFY(m_ports->bind(ctrlAltSuperV, [] {}));
+        m_ports->hotkeys->unbind();
+        QVERIFY(!m_ports->bind({0x7f, 256}, [] {}));  // no such key
+        QVERIFY(!m_ports->bind({9, 0x10000}, [] {})); // no modifier we know
     }
 
     void layout() {
@@ -208,7 +289,7 @@ private Q_SLOTS:
             process.setProcessEnvironment(m_desktop->environment());
             process.start("setxkbmap", arguments);
             QVERIFY(process.waitForFinished() && process.exitCode() == 0);
-            const KeyLayout layout = m_ports->keyboard->currentLayout().value();
+            const KeyLayout layout = m_ports->keys.layout().value();
             QCOMPARE(std::find(layout.begin(), layout.end(), U'v') - layout.begin(), key);
         }
     }
@@ -233,6 +314,12 @@ private:
         });
         waitFor([&] { return reading.wait_for(0s) == std::future_status::ready; }, 60000);
         return reading.get();
+    }
+
+    /// As the toolkit does when it pastes: asks and waits, without an event loop.
+    QString readBlocking() const {
+        return QString::fromUtf8(
+            ClipboardReader(m_desktop->display(), 15000).data("UTF8_STRING").value_or("(nothing)"));
     }
 
     std::unique_ptr<VirtualDesktop> m_desktop;

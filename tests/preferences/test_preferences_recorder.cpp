@@ -1,6 +1,7 @@
 #include "desktop/HotkeyManager.h"
 #include "fakes/FakePlatform.h"
 #include "platform/qt/QtDispatch.h"
+#include "platform/x11/X11EventSource.h"
 #include "platform/x11/X11Hotkeys.h"
 #include "preferences/hotkey/HotkeyRecorder.h"
 #include "stage/JsonLines.h"
@@ -229,7 +230,7 @@ int runRecorder(int &argc, char **argv) {
     FakePlatform fakes;
     Platform platform = Platform::current();
     platform.dispatch = std::make_shared<QtDispatch>();
-    const auto x11 = std::make_shared<X11Connection>();
+    const auto x11 = connectToX11();
     platform.hotkeys = std::make_shared<X11Hotkeys>(x11);
     Platform::install(platform);
     InstallingApp app;

@@ -15,7 +15,7 @@ const auto watcherPath = QStringLiteral("/StatusNotifierWatcher");
 
 StatusNotifierTrayHost::StatusNotifierTrayHost(std::shared_ptr<X11Connection> x11)
     : m_x11(std::move(x11)) {
-    if (m_x11->isOpen())
+    if (m_x11)
         m_traySelection =
             m_x11->atom("_NET_SYSTEM_TRAY_S" + QByteArray::number(m_x11->screenNumber()));
 }

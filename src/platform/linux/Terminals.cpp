@@ -1,12 +1,11 @@
 #include "platform/linux/Terminals.h"
 
-#include <QList>
-
 #include <algorithm>
+#include <iterator>
 
 namespace {
-/// The class names of the terminals that paste on Ctrl+Shift+V, in lower case.
-constexpr const char *classes[] = {
+/// The names of the terminals that paste on Ctrl+Shift+V.
+constexpr const char *names[] = {
     "alacritty",
     "blackbox",
     "com.mitchellh.ghostty",
@@ -49,11 +48,8 @@ constexpr const char *classes[] = {
 };
 } // namespace
 
-bool Terminals::isTerminal(const QByteArray &wmClass) {
-    for (const QByteArray &name : wmClass.toLower().split('\0')) {
-        if (std::any_of(std::begin(classes), std::end(classes),
-                        [&](const char *known) { return name == known; }))
-            return true;
-    }
-    return false;
+bool Terminals::isTerminal(const QByteArray &name) {
+    return std::any_of(std::begin(names), std::end(names), [&](const char *known) {
+        return name.compare(known, Qt::CaseInsensitive) == 0;
+    });
 }

@@ -2,8 +2,14 @@
 
 #include "platform/ChildProcess.h"
 
+#include <QObject>
+
 /// Child processes without a shell between.
 class QtChildProcess : public ChildProcess {
 public:
-    ChildResult run(const QString &program, const QStringList &arguments) override;
+    void run(const QString &program, const QStringList &arguments,
+             std::function<void(const ChildResult &)> done) override;
+
+private:
+    QObject m_running; ///< whose children are the processes under way
 };

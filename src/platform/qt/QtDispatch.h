@@ -3,8 +3,9 @@
 #include "platform/Dispatch.h"
 #include "platform/qt/WorkQueue.h"
 
-#include <QObject>
 #include <QThreadPool>
+
+#include <atomic>
 
 /// Dispatch on the Qt event loop and a thread pool. Created on the main thread.
 class QtDispatch : public Dispatch {
@@ -16,12 +17,14 @@ public:
     void toMain(Task task) override;
     void toBackground(Task task) override;
     WorkItem after(std::chrono::milliseconds delay, Task task) override;
+    WorkItem at(Clock::time_point time, Task task) override;
     Clock::time_point now() const override;
     QDateTime wallTime() const override;
-    void sleepUntil(Clock::time_point time) override;
     std::shared_ptr<Semaphore> makeSemaphore() override;
+    void finish() override;
 
 private:
     WorkQueue m_mainContext;
     QThreadPool m_pool;
+    std::atomic<bool> m_isFinished = false;
 };

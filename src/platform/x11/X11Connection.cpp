@@ -1,7 +1,5 @@
 #include "platform/x11/X11Connection.h"
 
-#include <QAbstractEventDispatcher>
-
 #include <poll.h>
 
 namespace {
@@ -9,7 +7,7 @@ namespace {
 constexpr uint8_t sentEventFlag = 0x80;
 } // namespace
 
-X11Connection::X11Connection() {
+X11Connection::X11Connection(int interrupt) : m_interrupt(interrupt) {
     xcb_connection_t *connection = xcb_connect(nullptr, &m_screenNumber);
     if (xcb_connection_has_error(connection)) {
         xcb_disconnect(connection);
@@ -33,34 +31,39 @@ X11Connection::X11Connection() {
     XcbPtr<xcb_xfixes_query_version_reply_t>(
         xcb_xfixes_query_version_reply(m_connection, version, nullptr));
     m_xfixesFirstEvent = xcb_get_extension_data(m_connection, &xcb_xfixes_id)->first_event;
-
-    m_notifier = std::make_unique<QSocketNotifier>(xcb_get_file_descriptor(m_connection),
-                                                   QSocketNotifier::Read);
-    connect(m_notifier.get(), &QSocketNotifier::activated, this, &X11Connection::processEvents);
-    // Waiting for a reply may have read events too; they would lie there until the next one
-    // arrives.
-    if (auto *dispatcher = QAbstractEventDispatcher::instance())
-        connect(dispatcher, &QAbstractEventDispatcher::aboutToBlock, this,
-                &X11Connection::processEvents);
 }
 
 X11Connection::~X11Connection() {
-    m_notifier.reset();
     if (m_connection)
         xcb_disconnect(m_connection);
 }
 
-xcb_atom_t X11Connection::atom(const QByteArray &name) {
-    if (const auto known = m_atoms.constFind(name); known != m_atoms.constEnd())
-        return *known;
-    const auto cookie =
-        xcb_intern_atom(m_connection, 0, static_cast<uint16_t>(name.size()), name.constData());
-    const XcbPtr<xcb_intern_atom_reply_t> reply(
-        xcb_intern_atom_reply(m_connection, cookie, nullptr));
-    const xcb_atom_t atom = reply ? reply->atom : static_cast<xcb_atom_t>(XCB_ATOM_NONE);
+void X11Connection::remember(xcb_atom_t atom, const QByteArray &name) {
     m_atoms.insert(name, atom);
     m_atomNames.insert(atom, name);
-    return atom;
+}
+
+xcb_atom_t X11Connection::atom(const QByteArray &name) {
+    const auto known = m_atoms.constFind(name);
+    return known != m_atoms.constEnd() ? *known : atoms({name}).constFirst();
+}
+
+QList<xcb_atom_t> X11Connection::atoms(const QList<QByteArray> &names) {
+    QList<std::pair<QByteArray, xcb_intern_atom_cookie_t>> asked;
+    for (const QByteArray &name : names) {
+        if (!m_atoms.contains(name))
+            asked.append({name, xcb_intern_atom(m_connection, 0, static_cast<uint16_t>(name.size()),
+                                                name.constData())});
+    }
+    for (const auto &[name, cookie] : asked) {
+        const XcbPtr<xcb_intern_atom_reply_t> reply(
+            xcb_intern_atom_reply(m_connection, cookie, nullptr));
+        remember(reply ? reply->atom : static_cast<xcb_atom_t>(XCB_ATOM_NONE), name);
+    }
+    QList<xcb_atom_t> atoms;
+    for (const QByteArray &name : names)
+        atoms.append(m_atoms.value(name));
+    return atoms;
 }
 
 QList<QByteArray> X11Connection::atomNames(const QList<xcb_atom_t> &atoms) {
@@ -73,8 +76,8 @@ QList<QByteArray> X11Connection::atomNames(const QList<xcb_atom_t> &atoms) {
         const XcbPtr<xcb_get_atom_name_reply_t> reply(
             xcb_get_atom_name_reply(m_connection, cookie, nullptr));
         if (reply)
-            m_atomNames.insert(atom, QByteArray(xcb_get_atom_name_name(reply.get()),
-                                                xcb_get_atom_name_name_length(reply.get())));
+            remember(atom, QByteArray(xcb_get_atom_name_name(reply.get()),
+                                      xcb_get_atom_name_name_length(reply.get())));
     }
     QList<QByteArray> names;
     for (const xcb_atom_t atom : atoms)
@@ -98,8 +101,6 @@ void X11Connection::watchSelection(xcb_atom_t selection, SelectionHandler handle
 void X11Connection::processEvents() {
     while (const XcbPtr<xcb_generic_event_t> event{xcb_poll_for_event(m_connection)})
         dispatch(*event);
-    if (xcb_connection_has_error(m_connection))
-        m_notifier->setEnabled(false);
     xcb_flush(m_connection);
 }
 
@@ -140,10 +141,11 @@ bool X11Connection::waitUntil(const std::function<bool()> &done,
             return true;
         const auto left =
             std::chrono::ceil<std::chrono::milliseconds>(deadline() - Clock::now()).count();
-        if (left <= 0 || xcb_connection_has_error(m_connection))
+        if (left <= 0 || isBroken())
             return false;
-        pollfd socket{xcb_get_file_descriptor(m_connection), POLLIN, 0};
-        poll(&socket, 1, static_cast<int>(left));
+        pollfd sources[] = {{descriptor(), POLLIN, 0}, {m_interrupt, POLLIN, 0}};
+        if (poll(sources, std::size(sources), static_cast<int>(left)) > 0 && sources[1].revents)
+            return false;
     }
 }
 

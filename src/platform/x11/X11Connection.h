@@ -3,8 +3,6 @@
 #include <QByteArray>
 #include <QHash>
 #include <QList>
-#include <QObject>
-#include <QSocketNotifier>
 
 #include <xcb/xcb.h>
 #include <xcb/xfixes.h>
@@ -21,25 +19,29 @@ struct XcbFree {
 template <class T>
 using XcbPtr = std::unique_ptr<T, XcbFree>;
 
-/// Our own connection to the X server of DISPLAY, beside the toolkit's, so that reads have
-/// deadlines of ours. Events arrive through the event loop or while waiting, each offered to the
-/// handlers in the order in which they were added. Main thread only.
-class X11Connection : public QObject {
-    Q_OBJECT
-
+/// A connection of our own to the X server of DISPLAY, beside the toolkit's, so that waits have
+/// deadlines of ours. Each event is offered to the handlers in the order in which they were added.
+/// Belongs to the thread that made it, which calls processEvents() when something has arrived.
+class X11Connection {
 public:
     using Clock = std::chrono::steady_clock;
-    /// Returns true when the event was meant for it.
+    /// Returns true when the event was meant for it alone.
     using EventHandler = std::function<bool(const xcb_generic_event_t &)>;
     using SelectionHandler = std::function<void(const xcb_xfixes_selection_notify_event_t &)>;
 
-    X11Connection();
-    ~X11Connection() override;
+    /// Waits end as if they had timed out once `interrupt`, a descriptor, is readable (-1: never).
+    explicit X11Connection(int interrupt = -1);
+    ~X11Connection();
+    X11Connection(const X11Connection &) = delete;
+    X11Connection &operator=(const X11Connection &) = delete;
 
     /// False when there is no X server; nothing else may be called then.
     bool isOpen() const { return m_connection != nullptr; }
+    /// Whether the server has gone.
+    bool isBroken() const { return xcb_connection_has_error(m_connection) != 0; }
 
     operator xcb_connection_t *() const { return m_connection; }
+    int descriptor() const { return xcb_get_file_descriptor(m_connection); }
     xcb_window_t root() const { return m_root; }
     int screenNumber() const { return m_screenNumber; }
 
@@ -47,6 +49,8 @@ public:
     xcb_window_t window() const { return m_window; }
 
     xcb_atom_t atom(const QByteArray &name);
+    /// The same for many names, asked for in one go.
+    QList<xcb_atom_t> atoms(const QList<QByteArray> &names);
     /// The names of `atoms`, asked for in one go; empty for what is no atom.
     QList<QByteArray> atomNames(const QList<xcb_atom_t> &atoms);
 
@@ -54,7 +58,7 @@ public:
     /// Tells `handler` about every change of owner of `selection`.
     void watchSelection(xcb_atom_t selection, SelectionHandler handler);
 
-    /// Handles what has arrived so far.
+    /// Handles what has arrived so far and sends what is to be sent.
     void processEvents();
     /// Handles everything the server has sent up to now, after a round trip.
     void sync();
@@ -66,13 +70,14 @@ public:
     xcb_timestamp_t freshTimestamp();
 
 private:
+    void remember(xcb_atom_t atom, const QByteArray &name);
     void dispatch(const xcb_generic_event_t &event);
 
+    int m_interrupt;
     xcb_connection_t *m_connection = nullptr;
     int m_screenNumber = 0;
     xcb_window_t m_root = XCB_WINDOW_NONE;
     xcb_window_t m_window = XCB_WINDOW_NONE;
-    std::unique_ptr<QSocketNotifier> m_notifier;
     QHash<QByteArray, xcb_atom_t> m_atoms;
     QHash<xcb_atom_t, QByteArray> m_atomNames;
     QList<EventHandler> m_handlers;

@@ -26,8 +26,6 @@ constexpr uint16_t modifierBits = 0xff;
 } // namespace
 
 X11Hotkeys::X11Hotkeys(std::shared_ptr<X11Connection> x11) : m_x11(std::move(x11)) {
-    if (!m_x11->isOpen())
-        return;
     constexpr std::chrono::milliseconds burst{100};
     m_settle.setSingleShot(true);
     m_settle.setInterval(burst);
@@ -45,18 +43,32 @@ X11Hotkeys::X11Hotkeys(std::shared_ptr<X11Connection> x11) : m_x11(std::move(x11
     xcb_discard_reply(*m_x11, flags.sequence);
 }
 
-bool X11Hotkeys::add(const KeyCombo &combo, std::function<void()> pressed) {
-    const auto key = KeyCodes::x11FromVirtual(combo.keyCode);
-    if (!key || !m_x11->isOpen())
-        return false;
-    const uint16_t modifiers = modifierMask(combo);
-    if (modifiers == 0 || !grab(*key, modifiers))
-        return false;
-    m_registrations.append({combo, *key, modifiers, std::move(pressed)});
-    return true;
+void X11Hotkeys::bind(const QList<KeyCombo> &all, std::function<void()> pressed,
+                      std::function<void()> released, Outcome outcome) {
+    unbind();
+    m_pressed = std::move(pressed);
+    m_released = std::move(released);
+    QList<Refusal> refusals;
+    for (const KeyCombo &combo : all) {
+        if (const QString reason = add(combo); !reason.isEmpty())
+            refusals.append({combo, reason});
+    }
+    outcome(refusals);
 }
 
-void X11Hotkeys::removeAll() {
+/// The reason when it can't be had, else an empty text.
+QString X11Hotkeys::add(const KeyCombo &combo) {
+    const auto key = KeyCodes::x11FromVirtual(combo.keyCode);
+    const uint16_t modifiers = modifierMask(combo);
+    if (!key || modifiers == 0)
+        return QStringLiteral("is on no key of this keyboard");
+    if (!grab(*key, modifiers))
+        return QStringLiteral("is taken by another program");
+    m_registrations.append({combo, *key, modifiers});
+    return {};
+}
+
+void X11Hotkeys::unbind() {
     for (const Registration &registration : std::exchange(m_registrations, {}))
         ungrab(registration);
     m_held = 0;
@@ -72,14 +84,13 @@ bool X11Hotkeys::handle(const xcb_generic_event_t &event) {
         keyPressed(reinterpret_cast<const xcb_key_press_event_t &>(event));
         return true;
     case XCB_KEY_RELEASE:
-        if (reinterpret_cast<const xcb_key_release_event_t &>(event).detail == m_held)
-            m_held = 0;
+        keyReleased(reinterpret_cast<const xcb_key_release_event_t &>(event));
         return true;
     case XCB_MAPPING_NOTIFY:
         if (reinterpret_cast<const xcb_mapping_notify_event_t &>(event).request !=
             XCB_MAPPING_POINTER)
             m_settle.start();
-        return true;
+        return false;
     default:
         return false;
     }
@@ -96,10 +107,19 @@ void X11Hotkeys::keyPressed(const xcb_key_press_event_t &event) {
     for (const Registration &registration : m_registrations) {
         if (registration.key == event.detail && registration.modifiers == modifiers) {
             m_held = event.detail;
-            registration.pressed();
+            if (const auto pressed = m_pressed) // a copy, since it may bind anew
+                pressed();
             return;
         }
     }
+}
+
+void X11Hotkeys::keyReleased(const xcb_key_release_event_t &event) {
+    if (m_held == 0 || event.detail != m_held)
+        return;
+    m_held = 0;
+    if (const auto released = m_released)
+        released();
 }
 
 X11Hotkeys::Masks X11Hotkeys::readMasks() const {
@@ -179,7 +199,7 @@ bool X11Hotkeys::grab(xcb_keycode_t key, uint16_t modifiers) {
         isFree = isFree && !error;
     }
     if (!isFree)
-        ungrab({{}, key, modifiers, {}});
+        ungrab({{}, key, modifiers});
     return isFree;
 }
 

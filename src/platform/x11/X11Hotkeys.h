@@ -6,24 +6,22 @@
 #include <QList>
 #include <QTimer>
 
-#include <atomic>
 #include <memory>
 
 /// Hotkeys as passive grabs on the root window, each in every combination of the lock keys. A
-/// hotkey is a place on the keyboard; its keys do not move with the layout. Main thread only,
-/// except where said.
+/// hotkey is a place on the keyboard; its keys do not move with the layout.
 class X11Hotkeys : public QObject, public Hotkeys {
     Q_OBJECT
 
 public:
     explicit X11Hotkeys(std::shared_ptr<X11Connection> x11);
 
-    bool add(const KeyCombo &combo, std::function<void()> pressed) override;
-    void removeAll() override;
+    void bind(const QList<KeyCombo> &all, std::function<void()> pressed,
+              std::function<void()> released, Outcome outcome) override;
+    void unbind() override;
     std::optional<quint32> virtualKey(quint32 nativeScanCode) const override;
 
-    /// The key of the hotkey that is held, for which the server lends us the keyboard, or 0. Any
-    /// thread.
+    /// The key of the hotkey that is held, for which the server lends us the keyboard, or 0.
     xcb_keycode_t heldKey() const { return m_held; }
 
 private:
@@ -40,14 +38,15 @@ private:
         KeyCombo combo;
         xcb_keycode_t key;
         uint16_t modifiers;
-        std::function<void()> pressed;
     };
 
     bool handle(const xcb_generic_event_t &event);
     void keyPressed(const xcb_key_press_event_t &event);
+    void keyReleased(const xcb_key_release_event_t &event);
     Masks readMasks() const;
     uint16_t modifierMask(const KeyCombo &combo) const;
     QList<uint16_t> lockVariants() const;
+    QString add(const KeyCombo &combo);
     bool grab(xcb_keycode_t key, uint16_t modifiers);
     void ungrab(const Registration &registration);
     void keyboardChanged();
@@ -56,6 +55,8 @@ private:
     Masks m_masks;
     QList<Registration> m_registrations;
     QTimer m_settle; ///< keyboard changes come in bursts, one for each change of device
-    std::atomic<xcb_keycode_t> m_held = 0;
+    std::function<void()> m_pressed;
+    std::function<void()> m_released;
+    xcb_keycode_t m_held = 0;
     X11Connection::Clock::time_point m_lastPress;
 };

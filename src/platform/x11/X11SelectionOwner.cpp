@@ -1,6 +1,7 @@
 #include "platform/x11/X11SelectionOwner.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -8,21 +9,26 @@ namespace {
 /// every server takes in one request.
 constexpr qsizetype pieceSize = qsizetype{256} * 1024;
 
-/// How long a clipboard manager may take to copy everything.
+/// How long a clipboard manager may take to copy everything, and to ask for the next piece.
 constexpr std::chrono::seconds longestHandOver{3};
+constexpr std::chrono::milliseconds longestSilence{250};
 
 /// A requestor that lets this pass between two pieces has given up.
 constexpr std::chrono::seconds longestStall{10};
 
 } // namespace
 
-X11SelectionOwner::X11SelectionOwner(X11Connection &x11, xcb_atom_t selection)
-    : m_x11(x11), m_selection(selection) {
+X11SelectionOwner::X11SelectionOwner(X11Connection &x11, xcb_atom_t selection, News news)
+    : m_x11(x11), m_selection(selection), m_news(std::move(news)) {
     m_x11.addHandler([this](const xcb_generic_event_t &event) { return handle(event); });
 }
 
-bool X11SelectionOwner::own(const PasteboardItem &contents) {
-    const xcb_timestamp_t time = m_x11.freshTimestamp();
+bool X11SelectionOwner::own(const PasteboardItem &contents, xcb_timestamp_t time) {
+    QList<QByteArray> names;
+    for (const PasteboardRepresentation &representation : contents)
+        names << representation.name << representation.encoding;
+    names.removeAll(QByteArray());
+    m_x11.atoms(names); // those that are new, in one go
     xcb_set_selection_owner(m_x11, m_x11.window(), m_selection, time);
     const auto cookie = xcb_get_selection_owner(m_x11, m_selection);
     const XcbPtr<xcb_get_selection_owner_reply_t> reply(
@@ -31,16 +37,23 @@ bool X11SelectionOwner::own(const PasteboardItem &contents) {
     m_contents = m_isOwner ? contents : PasteboardItem();
     m_claimTime = time;
     m_latestFetch.reset();
+    tell();
     return m_isOwner;
+}
+
+void X11SelectionOwner::lost() {
+    if (!std::exchange(m_isOwner, false))
+        return;
+    m_contents.clear();
+    tell();
+}
+
+void X11SelectionOwner::tell() {
+    m_news({m_isOwner, m_latestFetch, !m_transfers.isEmpty()});
 }
 
 bool X11SelectionOwner::isOwnClaim(const xcb_xfixes_selection_notify_event_t &event) const {
     return event.owner == m_x11.window() && event.selection_timestamp <= m_claimTime;
-}
-
-PasteboardFetches X11SelectionOwner::fetches() {
-    forgetStalledTransfers();
-    return {m_latestFetch, !m_transfers.isEmpty()};
 }
 
 void X11SelectionOwner::handOver() {
@@ -58,8 +71,10 @@ void X11SelectionOwner::handOver() {
     xcb_convert_selection(m_x11, m_x11.window(), manager, m_x11.atom("SAVE_TARGETS"), property,
                           m_x11.freshTimestamp());
     m_isHandingOver = true;
-    const auto deadline = X11Connection::Clock::now() + longestHandOver;
-    m_x11.waitUntil([this] { return !m_isHandingOver; }, [=] { return deadline; });
+    m_lastSign = X11Connection::Clock::now();
+    const auto latest = m_lastSign + longestHandOver;
+    m_x11.waitUntil([this] { return !m_isHandingOver; },
+                    [this, latest] { return std::min(latest, m_lastSign + longestSilence); });
 }
 
 bool X11SelectionOwner::handle(const xcb_generic_event_t &event) {
@@ -74,10 +89,8 @@ bool X11SelectionOwner::handle(const xcb_generic_event_t &event) {
     case XCB_SELECTION_CLEAR: {
         const auto &clear = reinterpret_cast<const xcb_selection_clear_event_t &>(event);
         // One from before our latest claim is about an earlier one.
-        if (clear.selection == m_selection && clear.time >= m_claimTime) {
-            m_isOwner = false;
-            m_contents.clear();
-        }
+        if (clear.selection == m_selection && clear.time >= m_claimTime)
+            lost();
         return clear.selection == m_selection;
     }
     case XCB_PROPERTY_NOTIFY: {
@@ -100,6 +113,7 @@ bool X11SelectionOwner::handle(const xcb_generic_event_t &event) {
 }
 
 void X11SelectionOwner::selectionRequest(const xcb_selection_request_event_t &request) {
+    m_lastSign = X11Connection::Clock::now();
     // Requestors from before ICCCM leave the property out and mean the target.
     const xcb_atom_t property =
         request.property == XCB_ATOM_NONE ? request.target : request.property;
@@ -131,6 +145,7 @@ bool X11SelectionOwner::answer(xcb_window_t requestor, xcb_atom_t target, xcb_at
         if (m_x11.atom(representation.name) == target) {
             m_latestFetch = Dispatch::Clock::now();
             send(requestor, property, representation);
+            tell();
             return true;
         }
     }
@@ -198,7 +213,7 @@ bool X11SelectionOwner::sendNextPiece(xcb_window_t requestor, xcb_atom_t propert
     xcb_change_property(m_x11, XCB_PROP_MODE_REPLACE, requestor, property, transfer->type, 8,
                         static_cast<uint32_t>(size), transfer->data.constData() + transfer->sent);
     transfer->sent += size;
-    transfer->lastSign = X11Connection::Clock::now();
+    transfer->lastSign = m_lastSign = X11Connection::Clock::now();
     if (size == 0) {
         // The empty piece said that all is sent.
         m_transfers.erase(transfer);
@@ -208,13 +223,15 @@ bool X11SelectionOwner::sendNextPiece(xcb_window_t requestor, xcb_atom_t propert
         const uint32_t none = XCB_EVENT_MASK_NO_EVENT;
         if (!another)
             xcb_change_window_attributes(m_x11, requestor, XCB_CW_EVENT_MASK, &none);
+        tell();
     }
     xcb_flush(m_x11);
     return true;
 }
 
 void X11SelectionOwner::forgetTransfersTo(xcb_window_t requestor) {
-    m_transfers.removeIf([=](const Transfer &t) { return t.requestor == requestor; });
+    if (m_transfers.removeIf([=](const Transfer &t) { return t.requestor == requestor; }) > 0)
+        tell();
 }
 
 void X11SelectionOwner::forgetStalledTransfers() {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/Keyboard.h"
+#include "platform/PasteKeys.h"
 
 #include <xcb/xcb.h>
 

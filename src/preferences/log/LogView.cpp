@@ -103,7 +103,8 @@ void LogView::refresh() {
 
 void LogView::copyAll() {
     Platform::current().pasteboard->write(
-        {{PasteboardType::String, LogStore::shared().formattedAll().toUtf8()}});
+        {{PasteboardType::String, LogStore::shared().formattedAll().toUtf8()}}, std::nullopt,
+        [](const auto &) {});
     m_copyAll->setText(u"Copied ✓"_s);
     constexpr std::chrono::milliseconds shown{1400};
     Platform::current().dispatch->after(shown, [button = QPointer<QPushButton>(m_copyAll)] {

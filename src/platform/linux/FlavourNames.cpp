@@ -1,8 +1,9 @@
-#include "platform/x11/X11Targets.h"
+#include "platform/linux/FlavourNames.h"
 
 #include <QStringDecoder>
 
-#include <array>
+#include <algorithm>
+#include <iterator>
 
 namespace {
 
@@ -70,32 +71,38 @@ bool isLatin1(const QString &text) {
 
 } // namespace
 
-std::optional<PasteboardType> X11Targets::typeOf(const QByteArray &name) {
+std::optional<PasteboardType> FlavourNames::typeOf(const QByteArray &name) {
     const Name *known = find(name);
     if (!known)
         known = find(withoutParameters(name));
     return known ? std::optional(known->type) : std::nullopt;
 }
 
-QByteArray X11Targets::preferredName(const QList<PasteboardOffer> &offers, PasteboardType type) {
-    for (const Name &known : names) {
-        if (known.type != type)
-            continue;
-        for (const PasteboardOffer &offer : offers) {
-            if (offer.name.compare(known.name, Qt::CaseInsensitive) == 0)
-                return offer.name;
-        }
-    }
-    // One with parameters that the table does not list.
-    for (const PasteboardOffer &offer : offers) {
-        if (offer.type == type)
-            return offer.name;
-    }
-    return {};
+bool FlavourNames::holdsData(const QByteArray &name) {
+    static constexpr const char *others[] = {"TARGETS", "MULTIPLE", "TIMESTAMP", "SAVE_TARGETS",
+                                             "DELETE"};
+    return !name.isEmpty() && std::none_of(std::begin(others), std::end(others),
+                                           [&](const char *other) { return name == other; });
 }
 
-QString X11Targets::decodedText(const PasteboardRepresentation &representation,
-                                PasteboardType type) {
+std::optional<QString> FlavourNames::text(const PasteboardItem &item, PasteboardType type) {
+    const PasteboardRepresentation *best = nullptr;
+    const Name *rank =
+        std::end(names); // one with parameters that the table does not list comes last
+    for (const PasteboardRepresentation &representation : item) {
+        if (typeOf(representation.name) != type)
+            continue;
+        const Name *known = find(representation.name);
+        if (!best || (known && known < rank))
+            best = &representation;
+        if (known && known < rank)
+            rank = known;
+    }
+    return best ? std::optional(decodedText(*best, type)) : std::nullopt;
+}
+
+QString FlavourNames::decodedText(const PasteboardRepresentation &representation,
+                                  PasteboardType type) {
     QByteArray data = representation.data;
     if (type == PasteboardType::Html)
         return decodeHtml(data);
@@ -107,7 +114,7 @@ QString X11Targets::decodedText(const PasteboardRepresentation &representation,
     return QString::fromUtf8(data);
 }
 
-PasteboardItem X11Targets::representations(PasteboardType type, const QByteArray &data) {
+PasteboardItem FlavourNames::representations(PasteboardType type, const QByteArray &data) {
     PasteboardItem item;
     const auto offer = [&](const QByteArray &name, const QByteArray &encoding) {
         item.append({name, encoding, data});
