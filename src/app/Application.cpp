@@ -62,6 +62,8 @@ Application::~Application() {
 void Application::finishLaunching() {
     publish();
     log(QStringLiteral("app: launched (version %1)").arg(version()));
+    for (const QString &choice : std::as_const(Platform::current().choices))
+        log(QStringLiteral("platform: ") + choice);
     Platform::current().defaults->onProblem(
         [](const QString &problem) { log(QStringLiteral("settings: ") + problem); });
     m_statusItem = std::make_unique<StatusItem>(StatusItem::Actions{

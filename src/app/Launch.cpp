@@ -7,6 +7,8 @@
 #include <QApplication>
 #include <QSessionManager>
 
+#include <cstdlib>
+
 void nameApplication() {
     QApplication::setApplicationName(AppInfo::bundleIdentifier());
     QApplication::setDesktopFileName(AppInfo::bundleIdentifier());
@@ -18,8 +20,25 @@ void nameApplication() {
     });
 }
 
+namespace {
+
+/// Whether the event loop may be running.
+bool isRunning = false;
+
+/// When its display goes away, the toolkit calls exit() in the middle of whatever is under way,
+/// with threads at work on objects that exit() is about to destroy. There is nothing left to give
+/// back; the settings are on disk.
+void endWithTheDisplay() {
+    if (isRunning)
+        std::_Exit(EXIT_SUCCESS);
+}
+
+} // namespace
+
 int runBrindle(Platform platform) {
     quitOnSignals();
+    std::atexit(endWithTheDisplay);
+    isRunning = true;
     Platform::install(std::move(platform));
     int status = 0;
     {
@@ -31,5 +50,6 @@ int runBrindle(Platform platform) {
     }
     // The ports use the event loop's objects and go before them.
     Platform::install({});
+    isRunning = false;
     return status;
 }

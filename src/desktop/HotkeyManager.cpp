@@ -13,10 +13,11 @@ void HotkeyManager::install(const QList<KeyCombo> &combos, std::function<void()>
     QList<KeyCombo> all = combos;
     all.removeIf([](const KeyCombo &combo) { return !combo.isSet(); });
     Platform::current().hotkeys->bind(
-        all, [this] { pressed(); }, nullptr, [](const QList<Hotkeys::Refusal> &refusals) {
+        all, [this] { pressed(); }, nullptr,
+        [](const QList<Hotkeys::Refusal> &refusals) {
             for (const auto &[combo, reason] : refusals)
-                log(QStringLiteral("hotkey: %1 %2").arg(
-                    HotkeyFormat::describe(combo.keyCode, combo.modifiers), reason));
+                log(QStringLiteral("hotkey: %1 %2")
+                        .arg(HotkeyFormat::describe(combo.keyCode, combo.modifiers), reason));
         });
 }
 

@@ -35,9 +35,9 @@ bool scanMatches(const QRegularExpression &pattern, QStringView text, int group,
 /// another place. Texts without half surrogate pairs only.
 bool clipboardURLCandidates(QStringView plain, QStringView html, const CandidateVisitor &visit);
 
-/// The single reference in the texts of `contents`, if any: a Jira or Confluence link in the earliest
-/// candidate wins; only without one does a record id count. `recordBase` is the address in front of
-/// record ids, empty where they are not linked. Pure.
+/// The single reference in the texts of `contents`, if any: a Jira or Confluence link in the
+/// earliest candidate wins; only without one does a record id count. `recordBase` is the address in
+/// front of record ids, empty where they are not linked. Pure.
 std::optional<DetectedRef> detectRef(const ClipboardContents &contents, const QString &baseURL,
                                      const QString &recordBase);
 

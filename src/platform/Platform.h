@@ -16,6 +16,8 @@
 #include "platform/UrlSession.h"
 #include "platform/Workspace.h"
 
+#include <QStringList>
+
 #include <memory>
 
 /// Every port, in one place. The entry point installs the desktop's, tests install their own; the
@@ -36,6 +38,9 @@ struct Platform {
     std::shared_ptr<TrayHost> trayHost;
     std::shared_ptr<UrlSession> urlSession;
     std::shared_ptr<LoginItems> loginItems;
+
+    /// For the log: which backend serves what, and which were passed over and why.
+    QStringList choices = {};
 
     /// The end: calls off whatever is under way and waits until no thread runs any of it. The ports
     /// stay, to be asked for little.

@@ -32,7 +32,8 @@ private Q_SLOTS:
         platform.hotkeys->taken = {{9, 6400}};
         manager.install({{9, 6400}, {38, 256}}, [] {});
         QCOMPARE(registered.size(), 1);
-        QVERIFY(platform.takeLog().constLast().startsWith("hotkey: ⌃⌥⌘V is not available"));
+        QVERIFY(
+            platform.takeLog().constLast().startsWith("hotkey: ⌃⌥⌘V is taken by another program"));
         manager.uninstall();
     }
 

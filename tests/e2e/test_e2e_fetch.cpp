@@ -1,44 +1,6 @@
-#include "e2e/Scene.h"
-#include "stage/LoopbackGateway.h"
+#include "e2e/Site.h"
 
 #include <QDBusConnectionInterface>
-
-namespace {
-
-const QString issue = "https://h.example/browse/ABC-1";
-const QString page = "https://h.example/wiki/spaces/ENG/pages/12/T";
-
-const QString issueTarget = "/ex/jira/c-1/rest/api/3/issue/ABC-1?fields=summary,issuetype,status";
-const QString commentTarget = "/ex/jira/c-1/rest/api/3/issue/ABC-1/comment/77";
-const QString pageTarget = "/ex/confluence/c-1/wiki/api/v2/pages/12";
-
-/// A user with a site and both tokens in the keyring, and Brindle led to the gateway.
-struct Site : Scene {
-    explicit Site(QMap<QString, QString> settings = {})
-        : Scene({.notifications = true, .keyring = true}) {
-        gateway.replies = {
-            {"/_edge/tenant_info", {.body = R"({"cloudId":"c-1"})"}},
-            {issueTarget,
-             {.body = R"({"fields":{"summary":"é — 🐞 <b> &","issuetype":{"name":"Bug"},)"
-                      R"("status":{"name":"Done"}}})"}},
-            {commentTarget,
-             {.body = R"({"author":{"displayName":"Ann Lee"},"body":{"content":[)"
-                      R"({"type":"text","text":"Looks good"}]}})"}},
-            {pageTarget, {.body = R"({"title":"Plan"})"}}};
-        settings.insert("jiraBaseURL", "https://h.example");
-        start(settings, BRINDLE_ON_STAGE_PROGRAM,
-              {QString::number(gateway.port()), gateway.certificate()});
-    }
-
-    bool isReady() {
-        return storeToken(desktop, "confluence-api-token", "confluence-secret") && isUp() &&
-               openTarget();
-    }
-
-    LoopbackGateway gateway;
-};
-
-} // namespace
 
 class TestE2eFetch : public QObject {
     Q_OBJECT

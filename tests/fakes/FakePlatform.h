@@ -45,7 +45,8 @@ private:
     std::multimap<Clock::time_point, Task> m_timers;
 };
 
-/// A pasteboard of several items in memory, which answers at once. Its native names are short words.
+/// A pasteboard of several items in memory, which answers at once. Its native names are short
+/// words.
 class FakePasteboard : public Pasteboard {
 public:
     QString unavailableBecause() const override { return unavailable; }
@@ -100,9 +101,9 @@ public:
     }
     void press(const PasteChord &chord, std::function<void(bool)> done) override {
         if (canPost)
-            events.append(QStringLiteral(u"paste %1%2").arg(
-                QString(chord.withShift ? QStringLiteral("Shift+") : QString()),
-                QString::number(chord.vKey)));
+            events.append(QStringLiteral(u"paste %1%2")
+                              .arg(QString(chord.withShift ? QStringLiteral("Shift+") : QString()),
+                                   QString::number(chord.vKey)));
         if (canPost && onPaste)
             onPaste();
         done(canPost);

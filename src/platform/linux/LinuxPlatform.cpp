@@ -2,6 +2,7 @@
 
 #include "platform/Unavailable.h"
 #include "platform/linux/AutostartEntry.h"
+#include "platform/linux/Candidates.h"
 #include "platform/linux/DBusNotifications.h"
 #include "platform/linux/DesktopWorkspace.h"
 #include "platform/linux/SecretServiceStore.h"
@@ -13,67 +14,61 @@
 #include "platform/qt/QtDispatch.h"
 #include "platform/qt/QtUrlSession.h"
 #include "platform/qt/SettingsFile.h"
-#include "platform/x11/X11Clipboard.h"
-#include "platform/x11/X11EventSource.h"
-#include "platform/x11/X11FrontWindow.h"
-#include "platform/x11/X11Hotkeys.h"
-#include "platform/x11/X11KeyboardGrab.h"
-#include "platform/x11/X11PasteKeys.h"
+#include "platform/x11/X11Backends.h"
 
 namespace {
 
-/// An X server that does not answer by then is not there.
-constexpr std::chrono::seconds longestConnect{2};
-
-std::shared_ptr<Pasteboard> makePasteboard(const std::shared_ptr<Dispatch> &dispatch) {
-    auto pasteboard = std::make_shared<ThreadedPasteboard>(
-        dispatch, [](int interrupt, ThreadedPasteboard::News news) {
-            return std::make_unique<X11Clipboard>(interrupt, std::move(news));
-        });
-    if (const QString problem = pasteboard->problem(longestConnect); !problem.isEmpty())
-        return std::make_shared<UnavailablePasteboard>(problem);
-    return pasteboard;
+/// What cannot be had takes the place of what can, and says why.
+template <class Unavailable, class Port>
+std::function<std::shared_ptr<Port>(const QString &)> unavailable() {
+    return [](const QString &reason) { return std::make_shared<Unavailable>(reason); };
 }
 
-/// The ports that the X server serves, on one connection of the main thread's.
-void addX11(Platform &platform, const std::shared_ptr<X11Connection> &x11) {
-    const auto hotkeys = std::make_shared<X11Hotkeys>(x11);
-    platform.hotkeys = hotkeys;
-    platform.pasteKeys = std::make_shared<X11PasteKeys>(x11, hotkeys, platform.dispatch);
-    platform.frontWindow = std::make_shared<X11FrontWindow>(x11);
-    platform.secureInput = std::make_shared<SecureInputs>(
-        platform.dispatch, std::vector<std::shared_ptr<SecureInput>>{
-                               std::make_shared<X11KeyboardGrab>(x11, hotkeys, platform.dispatch),
-                               std::make_shared<AccessiblePasswordField>(platform.dispatch),
-                               std::make_shared<SessionLock>()});
+/// All that tells whether typing is safe, as far as this desktop has it.
+std::shared_ptr<SecureInput> makeSecureInput(const std::shared_ptr<Dispatch> &dispatch,
+                                             X11Backends &x11) {
+    std::vector<std::shared_ptr<SecureInput>> looks;
+    if (const auto grab = x11.keyboardGrab())
+        looks.push_back(*grab);
+    looks.push_back(std::make_shared<AccessiblePasswordField>(dispatch));
+    looks.push_back(std::make_shared<SessionLock>());
+    return std::make_shared<SecureInputs>(dispatch, std::move(looks));
 }
 
-void addWithoutX11(Platform &platform) {
-    const auto reason = QStringLiteral("no X server answers");
-    platform.hotkeys = std::make_shared<UnavailableHotkeys>(reason);
-    platform.pasteKeys = std::make_shared<UnavailablePasteKeys>(reason);
-    platform.frontWindow = std::make_shared<UnavailableFrontWindow>();
-    platform.secureInput = std::make_shared<UnavailableSecureInput>();
+/// The capabilities that differ from desktop to desktop, each with its candidates in order.
+void choose(Platform &platform, X11Backends &x11) {
+    platform.pasteboard = chooseFirst<Pasteboard>(
+        QStringLiteral("clipboard"),
+        {{QStringLiteral("X11 selection"), [&] { return x11.pasteboard(); }}},
+        unavailable<UnavailablePasteboard, Pasteboard>(), platform.choices);
+    platform.hotkeys = chooseFirst<Hotkeys>(
+        QStringLiteral("hotkeys"), {{QStringLiteral("X11 grabs"), [&] { return x11.hotkeys(); }}},
+        unavailable<UnavailableHotkeys, Hotkeys>(), platform.choices);
+    platform.pasteKeys = chooseFirst<PasteKeys>(
+        QStringLiteral("paste keys"), {{QStringLiteral("XTEST"), [&] { return x11.pasteKeys(); }}},
+        unavailable<UnavailablePasteKeys, PasteKeys>(), platform.choices);
+    platform.frontWindow = chooseFirst<FrontWindow>(
+        QStringLiteral("front window"),
+        {{QStringLiteral("X11 focus"), [&] { return x11.frontWindow(); }}},
+        [](const QString &) { return std::make_shared<UnavailableFrontWindow>(); },
+        platform.choices);
 }
 
 } // namespace
 
 Platform makeLinuxPlatform() {
-    const auto x11 = connectToX11();
     Platform platform;
     platform.dispatch = std::make_shared<QtDispatch>();
-    platform.pasteboard = makePasteboard(platform.dispatch);
-    if (x11)
-        addX11(platform, x11);
-    else
-        addWithoutX11(platform);
+    X11Backends x11(platform.dispatch);
+    choose(platform, x11);
+    platform.secureInput = makeSecureInput(platform.dispatch, x11);
     platform.childProcess = std::make_shared<QtChildProcess>();
     platform.notifications = std::make_shared<DBusNotifications>();
     platform.defaults = std::make_shared<SettingsFile>();
     platform.secretStore = std::make_shared<SecretServiceStore>();
     platform.alerts = std::make_shared<QtAlerts>();
     platform.workspace = std::make_shared<DesktopWorkspace>();
-    platform.trayHost = std::make_shared<StatusNotifierTrayHost>(x11);
+    platform.trayHost = std::make_shared<StatusNotifierTrayHost>(x11.connection());
     platform.urlSession = std::make_shared<QtUrlSession>();
     platform.loginItems = std::make_shared<AutostartEntry>();
     return platform;

@@ -1,0 +1,37 @@
+#pragma once
+
+#include "model/Result.h"
+#include "platform/Dispatch.h"
+#include "platform/FrontWindow.h"
+#include "platform/Hotkeys.h"
+#include "platform/PasteKeys.h"
+#include "platform/Pasteboard.h"
+#include "platform/SecureInput.h"
+
+#include <memory>
+
+class X11Connection;
+class X11Hotkeys;
+
+/// What an X server offers, each by itself; the reason where it offers it not. Main thread.
+class X11Backends {
+public:
+    explicit X11Backends(std::shared_ptr<Dispatch> dispatch);
+    ~X11Backends();
+
+    Result<std::shared_ptr<Pasteboard>> pasteboard();
+    Result<std::shared_ptr<Hotkeys>> hotkeys();
+    Result<std::shared_ptr<PasteKeys>> pasteKeys();
+    Result<std::shared_ptr<FrontWindow>> frontWindow();
+    Result<std::shared_ptr<SecureInput>> keyboardGrab();
+
+    /// The main thread's connection; null without a server.
+    std::shared_ptr<X11Connection> connection() const { return m_x11; }
+
+private:
+    std::shared_ptr<X11Hotkeys> grabs();
+
+    std::shared_ptr<Dispatch> m_dispatch;
+    std::shared_ptr<X11Connection> m_x11;
+    std::shared_ptr<X11Hotkeys> m_grabs;
+};
