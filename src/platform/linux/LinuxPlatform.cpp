@@ -37,10 +37,6 @@ std::shared_ptr<SecureInput> makeSecureInput(const std::shared_ptr<Dispatch> &di
 
 /// The capabilities that differ from desktop to desktop, each with its candidates in order.
 void choose(Platform &platform, X11Backends &x11) {
-    platform.pasteboard = chooseFirst<Pasteboard>(
-        QStringLiteral("clipboard"),
-        {{QStringLiteral("X11 selection"), [&] { return x11.pasteboard(); }}},
-        unavailable<UnavailablePasteboard, Pasteboard>(), platform.choices);
     platform.hotkeys = chooseFirst<Hotkeys>(
         QStringLiteral("hotkeys"), {{QStringLiteral("X11 grabs"), [&] { return x11.hotkeys(); }}},
         unavailable<UnavailableHotkeys, Hotkeys>(), platform.choices);
@@ -52,6 +48,11 @@ void choose(Platform &platform, X11Backends &x11) {
         {{QStringLiteral("X11 focus"), [&] { return x11.frontWindow(); }}},
         [](const QString &) { return std::make_shared<UnavailableFrontWindow>(); },
         platform.choices);
+    // Last, since it connects while the others are made.
+    platform.pasteboard = chooseFirst<Pasteboard>(
+        QStringLiteral("clipboard"),
+        {{QStringLiteral("X11 selection"), [&] { return x11.pasteboard(); }}},
+        unavailable<UnavailablePasteboard, Pasteboard>(), platform.choices);
 }
 
 } // namespace
