@@ -55,29 +55,25 @@ void X11Clipboard::ownerChanged(const xcb_xfixes_selection_notify_event_t &event
     m_reader->ownerChanged();
 }
 
-/// Decides whether foreign changes since our last write count: a clipboard manager that took over
-/// what we wrote has changed nothing. One look decides, and the next foreign change counts again.
-void X11Clipboard::settleCount() {
-    if (!m_writtenCount || m_changeCount == *m_writtenCount)
-        return;
-    if (wasTakenOver())
+/// Decides by the text that is on the clipboard now whether foreign changes since our last write
+/// count: a clipboard manager that took over what we wrote has changed nothing. One look decides,
+/// and the next foreign change counts again.
+void X11Clipboard::settleCount(const std::optional<QString> &text) {
+    if (text && text->toUtf8() == m_written)
         m_changeCount = *m_writtenCount;
     m_writtenCount.reset();
 }
 
-bool X11Clipboard::wasTakenOver() {
-    const auto reading = m_reader->read([](const QByteArray &name) {
-        return name == "UTF8_STRING" || name == "text/plain;charset=utf-8";
-    });
-    const auto text = FlavourNames::text(reading.given, PasteboardType::String);
-    return text && text->toUtf8() == m_written;
+bool X11Clipboard::isCountOpen() const {
+    return m_writtenCount && m_changeCount != *m_writtenCount;
 }
 
 ClipboardContents X11Clipboard::read() {
     if (!m_owner)
         return {};
-    m_x11.sync();
-    settleCount();
+    // Somebody may have taken it from us; who else owns it makes no difference.
+    if (m_owner->isOwner())
+        m_x11.sync();
     if (m_owner->isOwner())
         return contentsOf(m_changeCount, m_owner->contents());
     for (int times = 1;; ++times) {
@@ -85,8 +81,15 @@ ClipboardContents X11Clipboard::read() {
         const auto reading = m_reader->read(
             [](const QByteArray &name) { return FlavourNames::typeOf(name).has_value(); });
         // Half of one owner's and half of the next one's is what nobody copied.
-        if (count == m_changeCount || times == mostReads)
-            return contentsOf(count, reading.offered ? std::optional(reading.given) : std::nullopt);
+        if (count != m_changeCount && times < mostReads)
+            continue;
+        auto contents =
+            contentsOf(count, reading.offered ? std::optional(reading.given) : std::nullopt);
+        if (isCountOpen()) {
+            settleCount(contents.text);
+            contents.changeCount = m_changeCount;
+        }
+        return contents;
     }
 }
 
@@ -96,7 +99,12 @@ std::optional<PasteboardWrite> X11Clipboard::own(const PasteboardItem &contents,
         return std::nullopt;
     // A claim by somebody else that we have not heard of by then is later than ours, and wins.
     const xcb_timestamp_t time = m_x11.freshTimestamp();
-    settleCount();
+    if (ifCountIs && isCountOpen()) {
+        const auto reading = m_reader->read([](const QByteArray &name) {
+            return FlavourNames::typeOf(name) == PasteboardType::String;
+        });
+        settleCount(FlavourNames::text(reading.given, PasteboardType::String));
+    }
     if (ifCountIs && m_changeCount != *ifCountIs)
         return std::nullopt;
     if (!m_owner->own(contents, time)) {

@@ -23,8 +23,8 @@ public:
 
 private:
     void ownerChanged(const xcb_xfixes_selection_notify_event_t &event);
-    void settleCount();
-    bool wasTakenOver();
+    void settleCount(const std::optional<QString> &text);
+    bool isCountOpen() const;
 
     X11Connection m_x11;
     std::unique_ptr<X11SelectionOwner> m_owner;
