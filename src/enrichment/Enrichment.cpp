@@ -155,8 +155,9 @@ void finishJira(const JiraClient::FetchResult &result, const JiraRef &ref, bool 
 
 void runJira(const JiraRef &ref, const QString &baseURL, bool pasteAfter) {
     log(QStringLiteral("enrich: detected Jira key ") + ref.key);
-    const auto send = [ref, baseURL, pasteAfter](const QString &email, const QString &token) {
-        JiraClient::fetchSummary(ref.key, ref.commentId, baseURL, email, token,
+    const auto send = [ref, baseURL, cloudId = Settings::shared().cloudId(),
+                       pasteAfter](const QString &email, const QString &token) {
+        JiraClient::fetchSummary(ref.key, ref.commentId, {baseURL, cloudId, email, token},
                                  onMain([ref, pasteAfter](const JiraClient::FetchResult &result) {
                                      finishJira(result, ref, pasteAfter);
                                  }));
@@ -183,9 +184,10 @@ void finishConfluence(const ConfluenceClient::ConfluenceFetchResult &result,
 
 void runConfluence(const ConfluenceRef &ref, const QString &baseURL, bool pasteAfter) {
     log(QStringLiteral("enrich: detected Confluence page %1 in %2").arg(ref.pageId, ref.spaceKey));
-    const auto send = [ref, baseURL, pasteAfter](const QString &email, const QString &token) {
+    const auto send = [ref, baseURL, cloudId = Settings::shared().cloudId(),
+                       pasteAfter](const QString &email, const QString &token) {
         ConfluenceClient::fetchPage(
-            ref.pageId, baseURL, email, token,
+            ref.pageId, {baseURL, cloudId, email, token},
             onMain([ref, pasteAfter](const ConfluenceClient::ConfluenceFetchResult &result) {
                 finishConfluence(result, ref, pasteAfter);
             }));
