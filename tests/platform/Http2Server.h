@@ -73,7 +73,9 @@ private:
         // Header fields by their places in the protocol's own table: ":status: 200" or 404, and
         // "content-length" with the value 4.
         const QByteArray fields = (m_isFound ? QByteArray("\x88") : QByteArray("\x8d")) +
-                                  QByteArray::fromRawData("\x0f\x0d\x01" "4", 4);
+                                  QByteArray::fromRawData("\x0f\x0d\x01"
+                                                          "4",
+                                                          4);
         socket.write(frame(headers, 4, fields, stream) + frame(data, 0, "{}", stream));
         const bool isOfConnection = m_end.type == goAway;
         if (m_end.type != data)

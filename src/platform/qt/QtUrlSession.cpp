@@ -88,8 +88,8 @@ private:
         // to know.
         if (status >= 400)
             return false;
-        if (m_reply->error() != QNetworkReply::NoError)
-            return true;
+        if (m_reply->error() != QNetworkReply::NoError || status != 200)
+            return m_reply->error() != QNetworkReply::NoError;
         // A stream that the server resets without an error just ends. Of a compressed body Qt gives
         // us the contents, not the length.
         const QVariant length = m_reply->header(QNetworkRequest::ContentLengthHeader);
