@@ -24,7 +24,7 @@ struct UrlRequest {
 /// none.
 struct UrlResponse {
     std::optional<int> httpStatus;
-    QByteArray body; ///< whole for a status below 400
+    QByteArray body;        ///< whole for a status below 400
     QString transportError; ///< a text for the user, empty when there is none
 };
 
