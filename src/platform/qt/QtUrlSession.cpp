@@ -161,7 +161,7 @@ private:
     QTimer m_total{this};
 };
 
-QtUrlSession::QtUrlSession() {
+QtUrlSession::QtUrlSession(Adapt adapt) : m_adapt(std::move(adapt)) {
     m_context.moveToThread(&m_thread);
 }
 
@@ -194,18 +194,25 @@ QNetworkAccessManager &QtUrlSession::manager() {
 UrlSession::TaskId QtUrlSession::start(const UrlRequest &request, Completion completion) {
     std::unique_lock lock(m_mutex);
     const TaskId id = ++m_lastTask;
-    if (onThreadLocked([this, id, request] {
-            if (isHttp(request.url))
-                m_tasks.insert(id, new Task(*this, id, request));
-            else
-                answer(id, failure(QStringLiteral("Only http and https addresses are opened.")));
-        })) {
+    if (onThreadLocked([this, id, request] { send(id, request); })) {
         m_waiting.insert(id, std::move(completion));
         return id;
     }
     lock.unlock();
     completion(quitting());
     return id;
+}
+
+void QtUrlSession::send(TaskId id, const UrlRequest &request) {
+    std::unique_lock lock(m_mutex);
+    const bool isWanted = m_waiting.contains(id);
+    lock.unlock();
+    if (!isWanted)
+        return;
+    if (isHttp(request.url))
+        m_tasks.insert(id, new Task(*this, id, request));
+    else
+        answer(id, failure(QStringLiteral("Only http and https addresses are opened.")));
 }
 
 void QtUrlSession::answer(TaskId id, const UrlResponse &response) {
@@ -279,5 +286,7 @@ QNetworkRequest QtUrlSession::networkRequest(const UrlRequest &request) const {
          {QNetworkRequest::CookieLoadControlAttribute, QNetworkRequest::CookieSaveControlAttribute,
           QNetworkRequest::AuthenticationReuseAttribute})
         network.setAttribute(attribute, QNetworkRequest::Manual);
+    if (m_adapt)
+        m_adapt(network);
     return network;
 }

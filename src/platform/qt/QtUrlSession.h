@@ -17,7 +17,11 @@ class QNetworkAccessManager;
 /// Qt Network on a thread of its own. Nothing is loaded before the first use.
 class QtUrlSession : public UrlSession {
 public:
-    QtUrlSession();
+    /// Changes a request before it is sent, on the session's thread.
+    using Adapt = std::function<void(QNetworkRequest &)>;
+
+    /// Tests lead requests to a server of their own with `adapt`.
+    explicit QtUrlSession(Adapt adapt = {});
     ~QtUrlSession() override;
 
     TaskId start(const UrlRequest &request, Completion completion) override;
@@ -26,14 +30,13 @@ public:
     void warmUp() override;
     void prepareConnection(const QUrl &url) override;
 
-protected:
-    /// The request as Qt sends it. Tests lead it to a server of their own here.
-    virtual QNetworkRequest networkRequest(const UrlRequest &request) const;
-
 private:
     class Task;
 
     QNetworkAccessManager &manager();
+    /// The request as Qt sends it.
+    QNetworkRequest networkRequest(const UrlRequest &request) const;
+    void send(TaskId id, const UrlRequest &request);
     /// Runs `work` on the thread; false when the session has ended.
     bool onThread(std::function<void()> work);
     bool onThreadLocked(std::function<void()> work);
@@ -42,6 +45,7 @@ private:
     /// The last that the thread does.
     void leaveThread();
 
+    Adapt m_adapt;
     QThread m_thread;
     WorkQueue m_context;                              ///< lives on the thread
     std::unique_ptr<QNetworkAccessManager> m_manager; ///< lives on the thread
