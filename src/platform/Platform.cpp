@@ -19,5 +19,6 @@ void Platform::install(Platform platform) {
 }
 
 void Platform::finish() const {
+    urlSession->cancelAll();
     dispatch->finish();
 }

@@ -260,6 +260,7 @@ public:
         return static_cast<TaskId>(requests.size());
     }
     void cancel(TaskId task) override { cancelled.append(task); }
+    void cancelAll() override {}
     void warmUp() override {}
     void prepareConnection(const QUrl &url) override { prepared.append(url.toString()); }
 

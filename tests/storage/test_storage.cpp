@@ -103,23 +103,60 @@ private Q_SLOTS:
         QVERIFY(!platform.defaults->stored.contains(u"tokenSavedAt"_qs));
     }
 
-    void logKeepsTheNewest200AndWaitsForTheMainThread() {
+    void logKeepsTheNewest200() {
         FakePlatform platform;
         LogStore &log = LogStore::shared();
-        platform.dispatch->onBackground([&] { log.write(u"late"_qs); });
         for (int i = 1; i <= 250; ++i)
             log.write(QString::number(i));
         QCOMPARE(log.entries().size(), 200);
         QCOMPARE(log.entries().constFirst().message, u"51"_qs);
-        platform.dispatch->drain();
-        QCOMPARE(log.entries().constLast().message, u"late"_qs);
+        QCOMPARE(log.entries().constLast().message, u"250"_qs);
+    }
 
+    void logIsStampedWhenWrittenAndClearedInTurn() {
+        qputenv("TZ", "XXX-05:45"); // nobody lives by UTC and this at once
+        tzset();
+        FakePlatform platform;
+        LogStore &log = LogStore::shared();
+        const auto fromElsewhere = [&](const QString &message) {
+            platform.dispatch->onBackground([&] { log.write(message); });
+        };
+        platform.dispatch->setWallTime(QDateTime({2026, 1, 2}, {8, 18, 9}, Qt::UTC));
+        fromElsewhere(u"before"_qs);
         log.clear();
+        fromElsewhere(u"late"_qs);
+        log.write(u"at once"_qs);
+        platform.dispatch->setWallTime(QDateTime({2026, 1, 2}, {8, 18, 10}, Qt::UTC));
+        QCOMPARE(log.formattedAll(), u"[14:03:09] at once"_qs);
         platform.dispatch->drain();
-        log.write(u"a"_qs);
-        platform.dispatch->setWallTime(platform.dispatch->wallTime().addSecs(1));
+        QCOMPARE(log.formattedAll(), u"[14:03:09] late"_qs);
         log.write(u"b\nc"_qs);
-        QCOMPARE(log.formattedAll(), u"[14:03:09] a\n[14:03:10] b\nc"_qs);
+        QCOMPARE(log.formattedAll(), u"[14:03:09] late\n[14:03:10] b\nc"_qs);
+        qunsetenv("TZ");
+        tzset();
+    }
+
+    void logShowsForeignTextOnOneLine() {
+        FakePlatform platform;
+        const QList<std::pair<QString, QString>> cases{
+            {u"a\r\nb\u2028c\u2029d\u0085e\vf\fg\th"_qs, u"a  b c d e f g h"_qs},
+            {QString(u'\0') + u"\u001B[2J\u009B\uFDD0\uFFFE\U0001FFFF"_qs,
+             u"\uFFFD\uFFFD[2J\uFFFD\uFFFD\uFFFD\uFFFD"_qs},
+            {QString(QChar(0xD83D)) + u'x', u"\uFFFDx"_qs},
+            {u"é\u00A0\u3000\U0001F469\u200D\U0001F4BB"_qs,
+             u"é\u00A0\u3000\U0001F469\u200D\U0001F4BB"_qs},
+        };
+        for (const auto &[message, line] : cases) {
+            log(message);
+            QCOMPARE(platform.takeLog(), QStringList(line));
+            QCOMPARE(LogStore::excerpt(message), line);
+        }
+        const QString hundred(100, u'x');
+        QCOMPARE(LogStore::excerpt(hundred), hundred);
+        QCOMPARE(LogStore::excerpt(hundred + u'y'), QString(hundred + u'…'));
+        QCOMPARE(LogStore::excerpt(u"é\U0001F41E"_qs.repeated(60)),
+                 QString(u"é\U0001F41E"_qs.repeated(50) + u'…'));
+        QVERIFY(LogStore::excerpt(u'e' + QString(10'000'000, QChar(0x301))).size() < 1000);
     }
 
     void tokensAreKeptApartReplacedAndRemoved() {

@@ -182,9 +182,8 @@ void ConnectionTest::probe(const Site &site, const QString &token) {
             Platform::current().dispatch->toMain([self, result, baseURL = site.baseURL] {
                 if (!self)
                     return;
-                // The id of a site that was edited meanwhile would send fetches to the wrong one.
-                if (result.cloudId && Settings::shared().baseURL() == baseURL)
-                    Settings::shared().cloudId = *result.cloudId;
+                if (result.cloudId)
+                    CloudId::keep(*result.cloudId, baseURL);
                 self->tell(result.message, !result.cloudId);
             });
         });

@@ -148,9 +148,8 @@ void LogList::append(const LogStore::Entry &entry) {
     else
         cursor.insertBlock(row);
     cursor.insertText(time, quiet);
-    QString message = entry.message;
-    message.replace(u'\n', QChar::LineSeparator); // still one row
-    cursor.insertText(u'\t' + message, QTextCharFormat());
+    // Rows are counted by their blocks, so each is one whatever it holds.
+    cursor.insertText(u'\t' + LogStore::oneLine(entry.message), QTextCharFormat());
     m_rows.append(entry);
 }
 
