@@ -77,16 +77,14 @@ struct Fetch {
     std::function<void(const QString &email, const QString &token)> send;
 };
 
-/// The user may take half a minute to unlock the keyring, so it is asked in the background.
+/// Answers with no text when there is no token or it can't be read.
 void askForToken(const QString &account, std::function<void(const QString &token)> answered) {
     isAskingForToken = true;
-    Platform::current().dispatch->toBackground([account, answered = std::move(answered)] {
-        const QString token = Keychain::loadToken(account).value_or(QString());
-        Platform::current().dispatch->toMain([token, answered] {
-            isAskingForToken = false;
-            answered(token);
-        });
-    });
+    Keychain::loadToken(account,
+                        [answered = std::move(answered)](const Keychain::TokenAnswer &answer) {
+                            isAskingForToken = false;
+                            answered(answer.token);
+                        });
 }
 
 /// Sends the fetch unless something is missing, which the user is told.
