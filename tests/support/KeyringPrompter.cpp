@@ -11,6 +11,7 @@ KeyringPrompter::KeyringPrompter(const QDBusConnection &bus) : m_bus(bus) {
 }
 
 KeyringPrompter::~KeyringPrompter() {
+    dismissOpen();
     m_bus.unregisterService(name);
     m_bus.unregisterObject(path);
 }
@@ -23,7 +24,13 @@ void KeyringPrompter::PerformPrompt(const QDBusObjectPath &callback, const QStri
                                     const QVariantMap &, const QString &,
                                     const QDBusMessage &call) {
     ++opened;
+    m_open.append({callback, call});
     if (dismisses)
+        dismissOpen();
+}
+
+void KeyringPrompter::dismissOpen() {
+    for (const auto &[callback, call] : std::exchange(m_open, {}))
         tell(callback, call, "PromptReady", {"no", QVariantMap(), QString()});
 }
 

@@ -16,6 +16,9 @@ public:
     explicit KeyringPrompter(const QDBusConnection &bus);
     ~KeyringPrompter() override;
 
+    /// Dismisses what is still open, for which the keyring waits before it asks again.
+    void dismissOpen();
+
     bool dismisses = true;
     int opened = 0;
 
@@ -31,4 +34,5 @@ private:
               const QVariantList &arguments) const;
 
     QDBusConnection m_bus;
+    QList<std::pair<QDBusObjectPath, QDBusMessage>> m_open;
 };

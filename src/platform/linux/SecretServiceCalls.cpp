@@ -53,8 +53,13 @@ Attributes attributes(const Item &item) {
 }
 
 Service connectTo(const Patience &patience) {
-    return Service(
+    Service service(
         secret_service_get_sync(SECRET_SERVICE_OPEN_SESSION, patience.cancellable(), nullptr));
+    // By itself the library ends the program together with the bus.
+    if (service)
+        g_dbus_connection_set_exit_on_close(
+            g_dbus_proxy_get_connection(G_DBUS_PROXY(service.get())), false);
+    return service;
 }
 
 /// What a call that failed means. The reason itself may quote the item and is told to nobody.

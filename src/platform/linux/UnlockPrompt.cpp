@@ -96,9 +96,7 @@ bool UnlockPrompt::show(GCancellable *cancellable) const {
     if (reply)
         g_variant_unref(reply);
     g_dbus_connection_signal_unsubscribe(m_bus.get(), subscription);
-    if (!isAnswered) // Nobody waits for the window any more.
-        g_dbus_connection_call(m_bus.get(), serviceName, m_path.constData(), promptInterface,
-                               "Dismiss", nullptr, nullptr, G_DBUS_CALL_FLAGS_NO_AUTO_START, -1,
-                               nullptr, nullptr, nullptr);
+    // A prompt that is given up stays on the screen: the keyring of GNOME 42 does not survive being
+    // told to dismiss it, and the user may still unlock what will be asked for again.
     return isAnswered && !completion.isDismissed;
 }
