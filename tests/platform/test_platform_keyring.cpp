@@ -1,6 +1,7 @@
 #include "platform/linux/SecretServiceStore.h"
 #include "stage/Keyring.h"
 #include "stage/VirtualDesktop.h"
+#include "stage/VirtualKeyboard.h"
 #include "support/KeyringPrompter.h"
 
 #include <QDBusConnectionInterface>
@@ -31,8 +32,11 @@ struct Asked {
         return next();
     }
     QString remove(const QString &account) {
-        store->remove(service, account, [this](Outcome outcome) { answered(outcome); });
+        beginRemoval(account);
         return next();
+    }
+    void beginRemoval(const QString &account) {
+        store->remove(service, account, [this](Outcome outcome) { answered(outcome); });
     }
     QString copy(const QString &account) {
         beginCopy(account);
@@ -49,8 +53,8 @@ struct Asked {
                                         : name(outcome) + (": " + QString::fromUtf8(secret)));
     }
     /// Answers come in a later turn of the event loop, and here.
-    QString next() {
-        const bool isEarly = !answers.isEmpty();
+    QString next(bool mayBeThere = false) {
+        const bool isEarly = !mayBeThere && !answers.isEmpty();
         const bool came = waitFor([this] { return !answers.isEmpty(); });
         return isEarly ? "(too early)" : came ? answers.takeFirst() : "(nothing)";
     }
@@ -117,6 +121,29 @@ private Q_SLOTS:
         QVERIFY(asked.answers.isEmpty());
     }
 
+    void userWhoUnlocksGetsWhatWasAskedFor() {
+        StageProcess prompter(m_desktop->environment());
+        QVERIFY(prompter.launch("/usr/libexec/gcr-prompter", {}));
+        QVERIFY(waitFor([&] {
+            return m_desktop->bus()
+                .interface()
+                ->isServiceRegistered("org.gnome.keyring.SystemPrompter")
+                .value();
+        }));
+        Asked asked;
+        QVERIFY(lockKeyring(*m_desktop));
+        asked.beginCopy("b");
+        QVERIFY(unlocks(asked));
+        QCOMPARE(asked.next(true), "Done: two");
+        QCOMPARE(asked.waits, 1);
+        QVERIFY(lockKeyring(*m_desktop));
+        asked.beginRemoval("b");
+        QVERIFY(unlocks(asked));
+        QCOMPARE(asked.next(true), "Done");
+        QCOMPARE(asked.copy("b"), "Absent");
+        QCOMPARE(asked.add("b", "two"), "Done");
+    }
+
     void userWhoWillNotUnlockLosesNothing() {
         KeyringPrompter prompter(m_desktop->bus());
         QVERIFY(lockKeyring(*m_desktop));
@@ -169,6 +196,18 @@ private Q_SLOTS:
     }
 
 private:
+    /// Types the password into the prompt, again if it was not there yet to take it.
+    bool unlocks(const Asked &asked) const {
+        VirtualKeyboard keys(m_desktop->keyboardDisplay());
+        for (int i = 0; i < 15 && asked.answers.isEmpty(); ++i) {
+            for (const int key :
+                 {KEY_P, KEY_A, KEY_S, KEY_S, KEY_W, KEY_O, KEY_R, KEY_D, KEY_ENTER})
+                keys.tap(keyCode(key));
+            waitFor([&] { return !asked.answers.isEmpty(); }, 1000);
+        }
+        return !asked.answers.isEmpty();
+    }
+
     std::unique_ptr<VirtualDesktop> m_desktop;
     pid_t m_daemon = 0;
 };
