@@ -1,4 +1,5 @@
 #include "fakes/FakePlatform.h"
+#include "preferences/PreferencesView.h"
 #include "preferences/connection/ConnectionTab.h"
 #include "preferences/kit/ResultLine.h"
 #include "preferences/template/TemplatePreview.h"
@@ -287,6 +288,29 @@ private Q_SLOTS:
         scene.dispatch->drain();
         QCOMPARE(scene.told(0), "Connected to h.example.");
         QCOMPARE(scene.token(0)->text(), "old");
+    }
+
+    void typedAddressIsWrittenAtAPauseOrWhenTheFieldIsLeft() {
+        Scene scene;
+        PreferencesView view;
+        view.selectTab(PreferencesTab::Connection);
+        view.show();
+        view.activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(&view));
+        scene.dispatch->drain();
+        auto *address = find<QLineEdit>(view, "Base URL");
+        QVERIFY(address);
+        address->setFocus();
+        const int writes = scene.defaults->flushes;
+        type(address, "https://x.example");
+        QCOMPARE(Settings::shared().baseURL(), "https://x.example");
+        QCOMPARE(scene.defaults->flushes, writes);
+        scene.dispatch->advance(std::chrono::milliseconds(500));
+        QCOMPARE(scene.defaults->flushes, writes + 1);
+        QTest::keyClick(address, Qt::Key_A);
+        QCOMPARE(scene.defaults->onDisk.value("jiraBaseURL"), "https://x.example");
+        find<QLineEdit>(view, "Atlassian Email")->setFocus();
+        QCOMPARE(scene.defaults->onDisk.value("jiraBaseURL"), "https://x.examplea");
     }
 
     void preview() {
