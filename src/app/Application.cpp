@@ -89,15 +89,14 @@ void Application::askForMissingCredentials() {
         Notify::show(AppInfo::displayName(),
                      QStringLiteral("Set your Atlassian email + scoped API token in Preferences."));
     };
-    Dispatch &dispatch = *Platform::current().dispatch;
     if (Settings::shared().email().isEmpty()) {
-        dispatch.toMain(ask);
+        Platform::current().dispatch->toMain(ask);
         return;
     }
-    // A locked keyring keeps its caller waiting until the user has answered.
-    dispatch.toBackground([ask] {
-        if (!Keychain::loadToken())
-            Platform::current().dispatch->toMain(ask);
+    // A token that the user would not unlock is as good as none.
+    Keychain::loadToken(AppInfo::keychainAccount(), [ask](const Keychain::TokenAnswer &answer) {
+        if (answer.outcome != Keychain::Outcome::Done)
+            ask();
     });
 }
 

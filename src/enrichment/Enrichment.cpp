@@ -96,13 +96,19 @@ struct Fetch {
     std::function<void(const Run &run, const SiteAccess &site)> send;
 };
 
-/// The user may take half a minute to unlock the keyring, so it is asked in the background.
+/// Answers with no text when there is no token or it can't be read.
 void askForToken(const QString &account, std::function<void(const QString &token)> answered) {
     CurrentRun::enter(RunPhase::AskingKeyring);
-    Platform::current().dispatch->toBackground([account, answered = std::move(answered)] {
-        const QString token = Keychain::loadToken(account).value_or(QString());
-        Platform::current().dispatch->toMain([token, answered] { answered(token); });
-    });
+    const auto waitsForUser = [] {
+        CurrentRun::enter(RunPhase::WaitingForKeyring);
+        tell(QStringLiteral("Keychain is waiting for its password."));
+    };
+    Keychain::loadToken(
+        account,
+        [answered = std::move(answered)](const Keychain::TokenAnswer &answer) {
+            answered(answer.token);
+        },
+        waitsForUser);
 }
 
 /// Sends the fetch unless something is missing, which the user is told.

@@ -20,5 +20,7 @@ void Platform::install(Platform platform) {
 
 void Platform::finish() const {
     urlSession->cancelAll();
+    secretStore->cancelAll();
+    defaults->flush();
     dispatch->finish();
 }

@@ -35,11 +35,8 @@ QHBoxLayout *announced(const QString &label, WrappingText *text) {
 BorderedField *baseField() {
     auto *field = new BorderedField(u"https://app.example.com/records/"_s);
     field->setAccessibleName(u"Base URL"_s);
-    QObject::connect(field, &QLineEdit::textChanged, field, [](const QString &text) {
-        Settings &settings = Settings::shared();
-        if (text != settings.accountBaseURL())
-            settings.accountBaseURL = text;
-    });
+    QObject::connect(field, &QLineEdit::textChanged, field,
+                     [](const QString &text) { Settings::shared().accountBaseURL.type(text); });
     followSettings(field, [field] { field->show(Settings::shared().accountBaseURL()); });
     return field;
 }

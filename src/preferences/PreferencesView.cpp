@@ -4,6 +4,7 @@
 #include "preferences/GeneralTab.h"
 #include "preferences/IdLinksTab.h"
 #include "preferences/JiraTab.h"
+#include "preferences/SettingsBinding.h"
 #include "preferences/SidebarRow.h"
 #include "preferences/connection/ConnectionTab.h"
 #include "preferences/kit/AccessibleRole.h"
@@ -71,6 +72,7 @@ PreferencesView::PreferencesView(QWidget *parent) : QWidget(parent), m_detail(ne
     row->addWidget(split);
     settleSize();
     selectTab(PreferencesTab::General);
+    storeWhenFieldsAreLeft(this);
 }
 
 void PreferencesView::settleSize() {

@@ -66,7 +66,7 @@ Platform makeLinuxPlatform() {
     platform.childProcess = std::make_shared<QtChildProcess>();
     platform.notifications = std::make_shared<DBusNotifications>();
     platform.defaults = std::make_shared<SettingsFile>();
-    platform.secretStore = std::make_shared<SecretServiceStore>();
+    platform.secretStore = std::make_shared<SecretServiceStore>(platform.dispatch);
     platform.alerts = std::make_shared<QtAlerts>();
     platform.workspace = std::make_shared<DesktopWorkspace>();
     platform.trayHost = std::make_shared<StatusNotifierTrayHost>(x11.connection());

@@ -23,7 +23,7 @@ void openTokenPage() {
         log(u"preferences: nothing on this desktop opens "_s + Addresses::tokenPage());
 }
 
-/// A field with its label above it, that shows a setting and stores what is typed at once.
+/// A field with its label above it, that shows a setting and stores what is typed.
 QLayout *settingField(const QString &title, const QString &prompt, Setting<QString> &setting) {
     auto *field = new BorderedField(prompt);
     field->setAccessibleName(title);
@@ -31,10 +31,8 @@ QLayout *settingField(const QString &title, const QString &prompt, Setting<QStri
     label->setBuddy(field);
     const auto refresh = [field, &setting] { field->show(setting()); };
     QObject::connect(&Settings::shared(), &Settings::didChange, field, refresh);
-    QObject::connect(field, &QLineEdit::textChanged, field, [&setting](const QString &text) {
-        if (text != setting())
-            setting = text;
-    });
+    QObject::connect(field, &QLineEdit::textChanged, field,
+                     [&setting](const QString &text) { setting.type(text); });
     refresh();
 
     auto *column = new QVBoxLayout;

@@ -105,7 +105,10 @@ TokenBlock::TokenBlock(ConnectionTest::Product product, QWidget *parent)
     connect(m_token, &QLineEdit::returnPressed, this, [this] { m_test.save(m_token->text()); });
     connect(m_save, &QPushButton::clicked, this, [this] { m_test.save(m_token->text()); });
     connect(m_try, &QPushButton::clicked, this, [this] { m_test.test(m_token->text()); });
-    connect(&m_test, &ConnectionTest::tokenLoaded, m_token, &QLineEdit::setText);
+    connect(&m_test, &ConnectionTest::tokenLoaded, this, [this](const QString &token) {
+        if (m_token->text().isEmpty()) // else the user has another in mind
+            m_token->setText(token);
+    });
     connect(&m_test, &ConnectionTest::changed, this, &TokenBlock::refresh);
     refresh();
 }
@@ -119,7 +122,7 @@ void TokenBlock::refresh() {
     for (QWidget *control : std::initializer_list<QWidget *>{m_token, m_save, m_try})
         control->setEnabled(m_test.isLoaded());
     const ResultLine::State state = m_test.message().isEmpty() ? ResultLine::State::Idle
-                                    : m_test.isTesting()       ? ResultLine::State::Busy
+                                    : m_test.isBusy()          ? ResultLine::State::Busy
                                     : m_test.isError()         ? ResultLine::State::Warning
                                                                : ResultLine::State::Success;
     m_result->setResult(state, m_test.message());

@@ -30,7 +30,7 @@ TemplateFieldBlock::TemplateFieldBlock(Setting<QString> &setting, const QString 
     column->addWidget(chipRow(placeholders));
 
     connect(m_field, &TemplateField::textEdited, this,
-            [&setting](const QString &text) { setting = text; });
+            [&setting](const QString &text) { setting.type(text); });
     connect(reset, &Button::clicked, this, [&setting, standard] { setting = standard; });
     followSettings(this, [this, &setting] { m_field->setText(setting()); });
 }

@@ -38,13 +38,17 @@ void PreviewSource::start(const QString &account, const QString &noToken, const 
             Q_EMIT self->changed();
         });
     };
-    Platform::current().dispatch->toBackground([this, account, noToken, fetch, done] {
-        const auto token = Keychain::loadToken(account);
-        if (!token || token->isEmpty())
-            done([this, noToken] { m_error = noToken; });
+    const auto use = [self = QPointer(this), noToken, fetch,
+                      done](const Keychain::TokenAnswer &answer) {
+        if (!self)
+            return;
+        if (answer.token.isEmpty())
+            done([self, noToken] { self->m_error = noToken; });
         else
-            fetch(*token, done);
-    });
+            Platform::current().dispatch->toBackground(
+                [fetch, done, token = answer.token] { fetch(token, done); });
+    };
+    Keychain::loadToken(account, use);
 }
 
 JiraPreviewSource::JiraPreviewSource(QObject *parent) : PreviewSource(parent) {}
