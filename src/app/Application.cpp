@@ -47,6 +47,8 @@ Application::Application()
                     {QStringLiteral("quit"), [] { QApplication::quit(); }},
                 }) {
     loadArt();
+    QApplication::setWindowIcon(
+        QIcon(QStringLiteral(":/icons/%1.png").arg(AppInfo::bundleIdentifier())));
 }
 
 Application::~Application() {

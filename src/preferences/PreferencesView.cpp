@@ -12,7 +12,6 @@
 
 #include <QEvent>
 #include <QPainter>
-#include <QScreen>
 #include <QScrollArea>
 #include <QSplitter>
 #include <QVBoxLayout>
@@ -69,13 +68,12 @@ PreferencesView::PreferencesView(QWidget *parent) : QWidget(parent), m_detail(ne
     auto *row = new QHBoxLayout(this);
     row->setContentsMargins(0, 0, 0, 0);
     row->addWidget(split);
-    settleSize();
+    resize(sizeHint());
     selectTab(PreferencesTab::General);
 }
 
-void PreferencesView::settleSize() {
-    const QSize wanted(Style::scaled(viewWidth), Style::scaled(viewHeight));
-    setFixedSize(wanted.boundedTo(screen()->availableSize()));
+QSize PreferencesView::sizeHint() const {
+    return {Style::scaled(viewWidth), Style::scaled(viewHeight)};
 }
 
 QWidget *PreferencesView::makeSidebar() {
@@ -144,6 +142,6 @@ QWidget *PreferencesView::makeTab(PreferencesTab tab) {
 
 bool PreferencesView::event(QEvent *event) {
     if (event->type() == QEvent::ApplicationFontChange)
-        settleSize();
+        updateGeometry();
     return QWidget::event(event);
 }
