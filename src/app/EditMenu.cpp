@@ -82,7 +82,7 @@ EditMenu::EditMenu(QWidget *window) : QMenu(QStringLiteral("Edit"), window), m_w
         }
         QAction *action = addAction(QString::fromUtf16(entry.title));
         action->setShortcut(QKeySequence(QString::fromUtf16(entry.shortcut)));
-        connect(action, &QAction::triggered, this, [this, &entry] { act(entry); });
+        connect(action, &QAction::triggered, this, [this, action, &entry] { act(entry, *action); });
         connect(this, &QMenu::aboutToShow, action,
                 [this, action, &entry] { action->setEnabled(target(entry)); });
         // A key finds out by itself.
@@ -110,7 +110,7 @@ QWidget *EditMenu::target(const Entry &entry) const {
     return marked == labels.end() ? nullptr : *marked;
 }
 
-void EditMenu::act(const Entry &entry) {
+void EditMenu::act(const Entry &entry, QAction &action) {
     QWidget *widget = target(entry);
     if (!widget)
         return;
@@ -118,8 +118,10 @@ void EditMenu::act(const Entry &entry) {
         QMetaObject::invokeMethod(widget, entry.slot);
         return;
     }
-    // A label does these, but only when it is asked by a key.
-    const QKeyCombination keys = QKeySequence(QString::fromUtf16(entry.shortcut))[0];
+    // A label does these, but only when it is asked by a key, which we would take again.
+    const QKeyCombination keys = action.shortcut()[0];
+    action.setEnabled(false);
     QKeyEvent press(QEvent::KeyPress, keys.key(), keys.keyboardModifiers());
     QApplication::sendEvent(widget, &press);
+    action.setEnabled(true);
 }

@@ -18,7 +18,7 @@ private:
     void follow(QWidget *focused);
     /// What the entry would act on; null when it can't.
     QWidget *target(const Entry &entry) const;
-    void act(const Entry &entry);
+    void act(const Entry &entry, QAction &action);
 
     QWidget *m_window;
     QPointer<QWidget> m_focused; ///< the last one that was no menu

@@ -30,7 +30,6 @@ FittedView::FittedView(QWidget *view) {
     setWidgetResizable(true);
     new SlimScrollBar(this);
     setWidget(view);
-    view->installEventFilter(this);
 }
 
 QRect FittedView::roomFor(const QWidget &window) {
@@ -47,6 +46,8 @@ QSize FittedView::sizeHint() const {
 bool FittedView::event(QEvent *event) {
     if (event->type() == QEvent::ParentChange)
         window()->installEventFilter(this);
+    else if (event->type() == QEvent::LayoutRequest)
+        updateGeometry(); // the view asks for another size
     return QScrollArea::event(event);
 }
 
@@ -57,8 +58,6 @@ bool FittedView::eventFilter(QObject *watched, QEvent *event) {
         (event->type() == QEvent::Move || event->type() == QEvent::ScreenChangeInternal);
     if (mayChangeRoom && roomFor(*window()).size() != m_room) {
         m_room = roomFor(*window()).size();
-        updateGeometry();
-    } else if (watched == widget() && event->type() == QEvent::LayoutRequest) {
         updateGeometry();
     }
     return QScrollArea::eventFilter(watched, event);

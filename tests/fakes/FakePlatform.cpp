@@ -106,7 +106,7 @@ void FakePasteboard::copyText(const QString &text, const QString &html) {
 
 FakePlatform::FakePlatform() {
     Platform::install({dispatch, pasteboard, keyboard, hotkeys, childProcess, notifications,
-                       defaults, secretStore, alerts, workspace, nullptr, urlSession, loginItems});
+                       defaults, secretStore, alerts, workspace, trayHost, urlSession, loginItems});
     Settings::restart();
     setWording(macWording());
 }
