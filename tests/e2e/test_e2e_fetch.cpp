@@ -1,5 +1,6 @@
 #include "e2e/Scene.h"
 #include "stage/LoopbackGateway.h"
+#include "stage/StatusArea.h"
 
 #include <QDBusConnectionInterface>
 
@@ -91,6 +92,22 @@ private Q_SLOTS:
             QVERIFY(scene.gateway.connections <= 2); // one to each host
             QVERIFY(scene.shown.notifications().isEmpty());
         }
+    }
+
+    void iconIsFaintDuringAFetch() {
+        Site scene;
+        QVERIFY(scene.isReady());
+        const StatusArea area(scene.desktop.bus());
+        QVERIFY(waitFor([&] { return area.items().size() == 1; }));
+        const QImage usual = area.picture();
+        QVERIFY(!usual.isNull());
+        scene.gateway.replies[issueTarget].delay = 2000;
+        const ClipboardOwner owner(scene.desktop, copied(issue));
+        scene.press();
+        QVERIFY(waitFor([&] { return area.picture() != usual; }));
+        QCOMPARE(scene.target->pasteCount(), 0);
+        QVERIFY(scene.target->waitForPaste());
+        QVERIFY(waitFor([&] { return area.picture() == usual; }));
     }
 
     void failuresAreToldAndChangeNothing() {
