@@ -33,6 +33,7 @@ void AppWindow::addApplicationMenu(const MenuActions &actions) {
 
 void AppWindow::fixSize() {
     setCentralWidget(new FittedView(takeCentralWidget()));
+    menuBar()->raise(); // after the content, in the order in which assistive programs read
     layout()->setSizeConstraint(QLayout::SetFixedSize);
 }
 
