@@ -48,6 +48,8 @@ Application::Application()
                     {QStringLiteral("quit"), [] { QApplication::quit(); }},
                 }) {
     loadArt();
+    QApplication::setWindowIcon(
+        QIcon(QStringLiteral(":/icons/%1.png").arg(AppInfo::bundleIdentifier())));
 }
 
 // The order matters: no run begins any more, what is under way is called off and its threads have

@@ -1,6 +1,7 @@
 #include "desktop/HotkeyManager.h"
 
 #include "platform/Platform.h"
+#include "platform/wording.h"
 #include "storage/LogStore.h"
 
 HotkeyManager &HotkeyManager::shared() {
@@ -17,7 +18,7 @@ void HotkeyManager::install(const QList<KeyCombo> &combos, std::function<void()>
         [](const QList<Hotkeys::Refusal> &refusals) {
             for (const auto &[combo, reason] : refusals)
                 log(QStringLiteral("hotkey: %1 %2")
-                        .arg(HotkeyFormat::describe(combo.keyCode, combo.modifiers), reason));
+                        .arg(wording().describeHotkey(combo.keyCode, combo.modifiers), reason));
         });
 }
 

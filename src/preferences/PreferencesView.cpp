@@ -13,7 +13,6 @@
 
 #include <QEvent>
 #include <QPainter>
-#include <QScreen>
 #include <QScrollArea>
 #include <QSplitter>
 #include <QVBoxLayout>
@@ -70,14 +69,13 @@ PreferencesView::PreferencesView(QWidget *parent) : QWidget(parent), m_detail(ne
     auto *row = new QHBoxLayout(this);
     row->setContentsMargins(0, 0, 0, 0);
     row->addWidget(split);
-    settleSize();
+    resize(sizeHint());
     selectTab(PreferencesTab::General);
     storeWhenFieldsAreLeft(this);
 }
 
-void PreferencesView::settleSize() {
-    const QSize wanted(Style::scaled(viewWidth), Style::scaled(viewHeight));
-    setFixedSize(wanted.boundedTo(screen()->availableSize()));
+QSize PreferencesView::sizeHint() const {
+    return {Style::scaled(viewWidth), Style::scaled(viewHeight)};
 }
 
 QWidget *PreferencesView::makeSidebar() {
@@ -146,6 +144,6 @@ QWidget *PreferencesView::makeTab(PreferencesTab tab) {
 
 bool PreferencesView::event(QEvent *event) {
     if (event->type() == QEvent::ApplicationFontChange)
-        settleSize();
+        updateGeometry();
     return QWidget::event(event);
 }

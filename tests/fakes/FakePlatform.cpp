@@ -216,7 +216,7 @@ FakePlatform::FakePlatform() {
     pasteboard->clock = dispatch;
     Platform::install({dispatch, pasteboard, pasteKeys, secureInput, frontWindow, hotkeys,
                        childProcess, notifications, defaults, secretStore, alerts, workspace,
-                       nullptr, urlSession, loginItems});
+                       trayHost, urlSession, loginItems});
     CurrentRun::startAfresh();
     Settings::restart();
     setWording(macWording());

@@ -264,10 +264,11 @@ public:
     }
     bool openUrl(const QUrl &url) override {
         urls.append(url.toString());
-        return true;
+        return opensUrls;
     }
 
     QStringList urls;
+    bool opensUrls = true;
     int opened = 0;
     QString missing;
 };
@@ -310,6 +311,13 @@ private:
     }
 };
 
+/// A desktop without a place for icons.
+class FakeTrayHost : public TrayHost {
+public:
+    bool isAvailable() override { return false; }
+    void onChange(std::function<void()>) override {}
+};
+
 class FakeApp : public AppDelegate {
 public:
     FakeApp() { publish(); }
@@ -342,6 +350,7 @@ struct FakePlatform {
     std::shared_ptr<MemorySecretStore> secretStore = std::make_shared<MemorySecretStore>();
     std::shared_ptr<FakeAlerts> alerts = std::make_shared<FakeAlerts>();
     std::shared_ptr<FakeWorkspace> workspace = std::make_shared<FakeWorkspace>();
+    std::shared_ptr<FakeTrayHost> trayHost = std::make_shared<FakeTrayHost>();
     std::shared_ptr<FakeUrlSession> urlSession = std::make_shared<FakeUrlSession>();
     std::shared_ptr<FakeLoginItems> loginItems = std::make_shared<FakeLoginItems>();
     FakeApp app;
