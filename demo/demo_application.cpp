@@ -5,7 +5,7 @@
 #include "app/Launch.h"
 #include "model/AppInfo.h"
 #include "platform/linux/LinuxPlatform.h"
-#include "platform/qt/WorkQueue.h"
+#include "platform/qt/TaskQueue.h"
 #include "stage/GatewayThread.h"
 #include "stage/JsonLines.h"
 #include "stage/RedirectedUrlSession.h"
@@ -43,7 +43,7 @@ public:
     void cancelAll() override {}
 
 private:
-    WorkQueue m_answers;
+    TaskQueue m_answers;
     QHash<std::pair<QString, QString>, QByteArray> m_secrets{
         {{AppInfo::bundleIdentifier(), AppInfo::keychainAccount()}, "sample-jira-token"},
         {{AppInfo::bundleIdentifier(), AppInfo::keychainAccountConfluence()},

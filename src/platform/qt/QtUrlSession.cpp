@@ -1,7 +1,5 @@
 #include "platform/qt/QtUrlSession.h"
 
-#include "platform/qt/HandOver.h"
-
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
 #include <QSslConfiguration>
@@ -168,7 +166,7 @@ QtUrlSession::QtUrlSession(Adapt adapt) : m_adapt(std::move(adapt)) {
 QtUrlSession::~QtUrlSession() {
     cancelAll();
     m_thread.wait();
-    HandOver::take();
+    const std::scoped_lock lock(m_mutex); // as leaveThread() says
 }
 
 bool QtUrlSession::onThread(std::function<void()> work) {
@@ -249,7 +247,9 @@ void QtUrlSession::leaveThread() {
     m_manager.reset();
     m_context.moveToThread(nullptr);
     m_thread.quit();
-    HandOver::give();
+    // The end of the thread is the toolkit's secret; this is what orders what it did before what
+    // follows.
+    const std::scoped_lock lock(m_mutex);
 }
 
 void QtUrlSession::warmUp() {

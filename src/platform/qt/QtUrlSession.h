@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/UrlSession.h"
-#include "platform/qt/WorkQueue.h"
+#include "platform/qt/TaskQueue.h"
 
 #include <QHash>
 #include <QNetworkRequest>
@@ -47,7 +47,7 @@ private:
 
     Adapt m_adapt;
     QThread m_thread;
-    WorkQueue m_context;                              ///< lives on the thread
+    TaskQueue m_context;                              ///< lives on the thread
     std::unique_ptr<QNetworkAccessManager> m_manager; ///< lives on the thread
     QHash<TaskId, Task *> m_tasks;                    ///< for the thread alone
 
