@@ -84,6 +84,8 @@ void QtDispatch::finish() {
         m_background.clear();
     }
     m_pool.waitForDone();
+    // What the tasks did comes before what follows, which the pool's own end does not say aloud.
+    const std::scoped_lock lock(m_mutex);
 }
 
 bool QtDispatch::isMainThread() const {
