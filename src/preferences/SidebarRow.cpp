@@ -102,14 +102,15 @@ void SidebarRow::focusInEvent(QFocusEvent *event) {
 void SidebarRow::paintEvent(QPaintEvent *) {
     using Style::ColourRole;
     QPainter painter(this);
-    QColor fill = Style::colour(ColourRole::Accent, palette());
     QColor words = Style::colour(ColourRole::Primary, palette());
     if (isChecked()) {
         words = Style::colour(ColourRole::OnAccent, palette());
-        Style::paintBox(painter, rect(), Style::boxRadius, fill);
+        Style::paintBox(painter, rect(), Style::boxRadius,
+                        Style::colour(ColourRole::AccentFill, palette()));
     } else if (underMouse()) {
-        fill.setAlphaF(0.14F);
-        Style::paintBox(painter, rect(), Style::boxRadius, fill);
+        QColor tint = Style::colour(ColourRole::Accent, palette());
+        tint.setAlphaF(0.14F);
+        Style::paintBox(painter, rect(), Style::boxRadius, tint);
     }
     painter.setPen(words);
     painter.drawText(rect().adjusted(horizontalPadding + TileIcon::side + iconGap, 0, 0, 0),

@@ -40,12 +40,6 @@ void Button::setKind(Kind kind) {
     update();
 }
 
-void Button::setSymbol(std::optional<Symbol> symbol) {
-    m_symbol = symbol;
-    updateGeometry();
-    update();
-}
-
 QSize Button::sizeHint() const {
     ensurePolished();
     const int line = fontMetrics().height();
@@ -75,13 +69,14 @@ void Button::paintBody(QPainter &painter) const {
     QColor shade = palette().color(QPalette::WindowText);
     const bool lit = isEnabled() && underMouse();
     if (m_kind == Kind::Prominent) {
-        QColor fill = Style::colour(ColourRole::Accent, palette());
+        QColor fill = Style::colour(ColourRole::AccentFill, palette());
+        // Away from the colour of the title, which has to be read all the while.
+        const int depth = isDown() ? 118 : lit ? 108 : 100;
+        const bool isTitleWhite = Style::colour(ColourRole::OnAccent, palette()) == Qt::white;
+        fill = isTitleWhite ? fill.darker(depth) : fill.lighter(depth);
         if (!isEnabled())
             fill.setAlphaF(0.4F);
-        Style::paintBox(painter, rect(), Style::buttonRadius,
-                        isDown() ? fill.darker(118)
-                        : lit    ? fill.lighter(108)
-                                 : fill);
+        Style::paintBox(painter, rect(), Style::buttonRadius, fill);
         return;
     }
     const bool bordered = m_kind == Kind::Bordered;

@@ -32,7 +32,7 @@ QSize LinkButton::sizeHint() const {
 
 void LinkButton::paintEvent(QPaintEvent *) {
     QPainter painter(this);
-    QColor colour = Style::colour(Style::ColourRole::Accent, palette());
+    QColor colour = Style::colour(Style::ColourRole::Link, palette());
     if (isDown())
         colour.setAlphaF(0.7F);
     const int side = symbolSide();

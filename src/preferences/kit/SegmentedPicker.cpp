@@ -42,7 +42,7 @@ protected:
         QColor words = Style::colour(ColourRole::Primary, palette());
         if (isChecked()) {
             Style::paintBox(painter, rect(), Style::fieldRadius - padding,
-                            Style::colour(ColourRole::Accent, palette()));
+                            Style::colour(ColourRole::AccentFill, palette()));
             words = Style::colour(ColourRole::OnAccent, palette());
         } else if (underMouse() || isDown()) {
             QColor tint = words;

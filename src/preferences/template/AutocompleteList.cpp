@@ -43,7 +43,7 @@ protected:
         const bool lit = underMouse() || isDown();
         if (lit)
             Style::paintBox(painter, QRectF(rect()).adjusted(5, 0, -5, 0), 5,
-                            Style::colour(ColourRole::Accent, palette()));
+                            Style::colour(ColourRole::AccentFill, palette()));
         const QRect area = rect().adjusted(rowPadding, 0, -rowPadding, 0);
         painter.setPen(Style::colour(lit ? ColourRole::OnAccent : ColourRole::Primary, palette()));
         painter.drawText(area, Qt::AlignLeft | Qt::AlignVCenter, text());
