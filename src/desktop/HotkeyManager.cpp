@@ -1,6 +1,7 @@
 #include "desktop/HotkeyManager.h"
 
 #include "platform/Platform.h"
+#include "platform/wording.h"
 #include "storage/LogStore.h"
 
 HotkeyManager &HotkeyManager::shared() {
@@ -17,7 +18,7 @@ void HotkeyManager::install(const QList<KeyCombo> &combos, std::function<void()>
         if (!Platform::current().hotkeys->add(combo, [this] { pressed(); })) {
             log(QStringLiteral("hotkey: %1 is not available (taken by another program, or no such "
                                "key)")
-                    .arg(HotkeyFormat::describe(combo.keyCode, combo.modifiers)));
+                    .arg(wording().describeHotkey(combo.keyCode, combo.modifiers)));
         }
     }
 }

@@ -2,6 +2,7 @@
 
 #include "model/HotkeyFormat.h"
 #include "platform/Platform.h"
+#include "platform/wording.h"
 
 #include <limits>
 #include <memory>
@@ -178,7 +179,7 @@ bool Settings::tokenIsAging() const {
 }
 
 QString Settings::hotkeyDisplay() const {
-    return HotkeyFormat::describe(hotkeyKeyCode(), hotkeyModifiers());
+    return wording().describeHotkey(hotkeyKeyCode(), hotkeyModifiers());
 }
 
 bool Settings::hotkey2IsSet() const {
@@ -186,6 +187,6 @@ bool Settings::hotkey2IsSet() const {
 }
 
 QString Settings::hotkey2Display() const {
-    return hotkey2IsSet() ? HotkeyFormat::describe(hotkey2KeyCode(), hotkey2Modifiers())
+    return hotkey2IsSet() ? wording().describeHotkey(hotkey2KeyCode(), hotkey2Modifiers())
                           : QStringLiteral("Not set");
 }
