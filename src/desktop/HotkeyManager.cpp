@@ -12,20 +12,30 @@ HotkeyManager &HotkeyManager::shared() {
 void HotkeyManager::install(const QList<KeyCombo> &combos, std::function<void()> handler) {
     uninstall();
     m_handler = std::move(handler);
+    m_unavailable.clear();
     for (const KeyCombo &combo : combos) {
         if (!combo.isSet())
             continue;
-        if (!Platform::current().hotkeys->add(combo, [this] { pressed(); })) {
-            log(QStringLiteral("hotkey: %1 is not available (taken by another program, or no such "
-                               "key)")
-                    .arg(wording().describeHotkey(combo.keyCode, combo.modifiers)));
-        }
+        if (Platform::current().hotkeys->add(combo, [this] { pressed(); }))
+            continue;
+        m_unavailable.append(combo);
+        log(QStringLiteral("hotkey: %1 %2")
+                .arg(wording().describeHotkey(combo.keyCode, combo.modifiers), problemOf(combo)));
     }
+    Q_EMIT installed();
 }
 
 void HotkeyManager::uninstall() {
     Platform::current().hotkeys->removeAll();
     m_handler = nullptr;
+}
+
+QString HotkeyManager::problemOf(const KeyCombo &combo) const {
+    if (combo.modifiers != 0 && !combo.isSet())
+        return QStringLiteral("can't be used as a hotkey");
+    if (m_unavailable.contains(combo))
+        return QStringLiteral("is not available (taken by another program, or no such key)");
+    return {};
 }
 
 void HotkeyManager::pressed() {

@@ -3,6 +3,8 @@
 #include "desktop/AppDelegate.h"
 #include "desktop/HotkeyManager.h"
 #include "platform/Platform.h"
+#include "platform/wording.h"
+#include "storage/LogStore.h"
 #include "storage/Settings.h"
 
 #include <QGuiApplication>
@@ -88,11 +90,25 @@ void HotkeyRecording::setOnScreen(RecordedHotkey hotkey, bool isOnScreen) {
     settle();
 }
 
+KeyCombo HotkeyRecording::stored(RecordedHotkey hotkey) {
+    const Settings &settings = Settings::shared();
+    return hotkey == RecordedHotkey::Primary
+               ? KeyCombo{settings.hotkeyKeyCode(), settings.hotkeyModifiers()}
+               : KeyCombo{settings.hotkey2KeyCode(), settings.hotkey2Modifiers()};
+}
+
 void HotkeyRecording::store(RecordedHotkey hotkey, const KeyCombo &combo) {
     Settings &settings = Settings::shared();
     const bool isPrimary = hotkey == RecordedHotkey::Primary;
-    (isPrimary ? settings.hotkeyKeyCode : settings.hotkey2KeyCode) = combo.keyCode;
-    (isPrimary ? settings.hotkeyModifiers : settings.hotkey2Modifiers) = combo.modifiers;
+    const KeyCombo before = stored(hotkey);
+    if (combo.keyCode != before.keyCode)
+        (isPrimary ? settings.hotkeyKeyCode : settings.hotkey2KeyCode) = combo.keyCode;
+    if (combo.modifiers != before.modifiers)
+        (isPrimary ? settings.hotkeyModifiers : settings.hotkey2Modifiers) = combo.modifiers;
+    if (combo.modifiers != 0 && !combo.isSet()) // nobody will try to register it
+        log(QStringLiteral("hotkey: %1 %2")
+                .arg(wording().describeHotkey(combo.keyCode, combo.modifiers),
+                     HotkeyManager::shared().problemOf(combo)));
     if (!m_heldKey) { // else they come back once it is let go
         m_hotkeysAreAway = false;
         if (AppDelegate *app = AppDelegate::shared())

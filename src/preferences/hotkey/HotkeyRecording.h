@@ -32,6 +32,8 @@ public:
     /// recorded one is.
     void setOnScreen(RecordedHotkey hotkey, bool isOnScreen);
 
+    /// The hotkey in the settings.
+    static KeyCombo stored(RecordedHotkey hotkey);
     /// Stores a hotkey in the settings and registers it; ends a recording of it.
     void store(RecordedHotkey hotkey, const KeyCombo &combo);
 

@@ -128,6 +128,7 @@ bool TemplateField::endsAutocomplete(const QObject *watched, const QEvent *event
     }
     case QEvent::WindowDeactivate:
     case QEvent::Move:
+        return watched == window();
     case QEvent::Hide:
         return watched == window() || watched == m_textView;
     default:
