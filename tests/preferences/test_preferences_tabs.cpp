@@ -13,6 +13,7 @@
 #include <QAccessible>
 #include <QApplication>
 #include <QLabel>
+#include <QScrollArea>
 #include <QSet>
 #include <QTest>
 
@@ -226,6 +227,31 @@ private Q_SLOTS:
             }
             QVERIFY2(wanted.isEmpty(), qPrintable(nameOf(wanted.values().value(0))));
         }
+    }
+
+    void everyTabFitsASmallScreen() {
+        const QFont usual = QApplication::font();
+        for (const int size : {14, 18, 22}) {
+            QFont font = usual;
+            font.setPixelSize(size);
+            QApplication::setFont(font);
+            Scene scene;
+            scene.view->setFixedSize(800, 400);
+            for (const PreferencesTab tab : PreferencesTabs::allCases) {
+                scene.view->selectTab(tab);
+                QCoreApplication::processEvents();
+                for (const auto *page : scene.view->findChildren<QScrollArea *>()) {
+                    const QWidget *content = page->widget();
+                    QVERIFY2(!page->isVisible() || content->width() == page->width(),
+                             qPrintable(QString("%1 with text of %2: %3 in %4")
+                                            .arg(PreferencesTabs::face(tab).title)
+                                            .arg(size)
+                                            .arg(content->width())
+                                            .arg(page->width())));
+                }
+            }
+        }
+        QApplication::setFont(usual);
     }
 
     void textsAreMeasuredAnewWhenTheyChange() {
