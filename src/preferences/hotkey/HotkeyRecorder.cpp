@@ -25,7 +25,7 @@ const QString alternateTitle = u"Alternate"_s;
 } // namespace
 
 HotkeyRecorder::HotkeyRecorder(RecordedHotkey hotkey, QWidget *parent)
-    : QWidget(parent), m_hotkey(hotkey) {
+    : QWidget(parent), m_hotkey(hotkey), m_atStart(HotkeyRecording::stored(hotkey)) {
     const bool isPrimary = hotkey == RecordedHotkey::Primary;
     m_label = new FieldLabel(isPrimary ? primaryTitle : alternateTitle);
     m_record = new Button({});
@@ -127,7 +127,9 @@ void HotkeyRecorder::refresh() {
 void HotkeyRecorder::refreshProblem() {
     const KeyCombo combo = HotkeyRecording::stored(m_hotkey);
     const bool isRecording = HotkeyRecording::shared().current() == m_hotkey;
-    const QString problem = isRecording ? QString() : HotkeyManager::shared().problemOf(combo);
+    const bool isOld = !combo.isSet() && combo == m_atStart;
+    const QString problem =
+        isRecording || isOld ? QString() : HotkeyManager::shared().problemOf(combo);
     m_problem->setVisible(!problem.isEmpty());
     m_problem->setText(wording().describeHotkey(combo.keyCode, combo.modifiers) + u' ' + problem +
                        u'.');

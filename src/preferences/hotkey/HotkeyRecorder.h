@@ -32,6 +32,7 @@ private:
     void refreshProblem();
 
     RecordedHotkey m_hotkey;
+    KeyCombo m_atStart; ///< what an earlier session left behind is no news
     FieldLabel *m_label = nullptr;
     Button *m_record = nullptr;
     Button *m_restore = nullptr; ///< "Reset" or "Clear"
