@@ -17,6 +17,11 @@ class TestPreferencesTabs : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
+    void cleanup() {
+        QApplication::setFont(m_usualFont);
+        QApplication::setPalette(m_usualPalette);
+    }
+
     void sidebarSelectsByClickAndByKey() {
         Scene scene;
         auto *general = scene.find<QAbstractButton>("General");
@@ -188,9 +193,8 @@ private Q_SLOTS:
     }
 
     void everyTabFitsASmallScreen() {
-        const QFont usual = QApplication::font();
         for (const int size : {14, 18, 22}) {
-            QFont font = usual;
+            QFont font = m_usualFont;
             font.setPixelSize(size);
             QApplication::setFont(font);
             Scene scene;
@@ -209,13 +213,10 @@ private Q_SLOTS:
                 }
             }
         }
-        QApplication::setFont(usual);
     }
 
     void looksFollowTheDesktopWhileOpen() {
         Scene scene;
-        const QPalette usualPalette = QApplication::palette();
-        const QFont usualFont = QApplication::font();
         auto *caption = scene.view->findChild<Caption *>();
         const auto *example = scene.view->findChild<WrappingText *>();
         const auto heights = [&] {
@@ -226,15 +227,17 @@ private Q_SLOTS:
         QApplication::setPalette(dark);
         QTRY_COMPARE(caption->palette().color(QPalette::WindowText),
                      Style::colour(Style::ColourRole::Secondary, dark));
-        QFont large = usualFont;
+        QFont large = m_usualFont;
         large.setPixelSize(22); // half as large again as the largest usual size
         QApplication::setFont(large);
         QTRY_COMPARE(caption->font().pixelSize(), 20);
         QVERIFY(heights().width() > usualHeights.width());
         QVERIFY(heights().height() > usualHeights.height());
-        QApplication::setFont(usualFont);
-        QApplication::setPalette(usualPalette);
     }
+
+private:
+    const QFont m_usualFont = QApplication::font();
+    const QPalette m_usualPalette = QApplication::palette();
 };
 
 QTEST_MAIN(TestPreferencesTabs)
