@@ -1,5 +1,5 @@
 #include "preferences/PreferencesScene.h"
-#include "preferences/emoji/EmojiPickerField.h"
+#include "preferences/emoji/EmojiField.h"
 
 #include <QApplication>
 #include <QLineEdit>

@@ -4,13 +4,14 @@
 #include "platform/wording.h"
 #include "preferences/kit/Button.h"
 #include "preferences/kit/Caption.h"
-#include "preferences/kit/FieldLabel.h"
+#include "preferences/kit/Labels.h"
 #include "preferences/kit/Style.h"
 #include "storage/Settings.h"
 
 #include <QApplication>
 #include <QEvent>
 #include <QHBoxLayout>
+#include <QLabel>
 #include <QShortcut>
 
 using namespace Qt::StringLiterals;
@@ -27,7 +28,7 @@ const QString alternateTitle = u"Alternate"_s;
 HotkeyRecorder::HotkeyRecorder(RecordedHotkey hotkey, QWidget *parent)
     : QWidget(parent), m_hotkey(hotkey), m_atStart(HotkeyRecording::stored(hotkey)) {
     const bool isPrimary = hotkey == RecordedHotkey::Primary;
-    m_label = new FieldLabel(isPrimary ? primaryTitle : alternateTitle);
+    m_label = fieldLabel(isPrimary ? primaryTitle : alternateTitle);
     m_record = new Button({});
     m_restore = new Button(isPrimary ? u"Reset"_s : u"Clear"_s);
     m_record->setToolTip(

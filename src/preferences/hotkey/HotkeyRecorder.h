@@ -6,12 +6,13 @@
 
 class Button;
 class Caption;
-class FieldLabel;
+class QLabel;
 
 /// One hotkey row of the General tab: its label, the button that records, and "Reset" (primary) or
-/// "Clear" (alternate), and a line below when the hotkey can't be had. What it records is stored and
-/// registered at once. While the row is not on the screen a recording pauses. The button of the primary answers Return in the whole window.
-/// The caption below the two rows is not part of them. Main thread only.
+/// "Clear" (alternate), and a line below when the hotkey can't be had. What it records is stored
+/// and registered at once. While the row is not on the screen a recording pauses. The button of the
+/// primary answers Return in the whole window. The caption below the two rows is not part of them.
+/// Main thread only.
 class HotkeyRecorder : public QWidget {
     Q_OBJECT
 
@@ -33,7 +34,7 @@ private:
 
     RecordedHotkey m_hotkey;
     KeyCombo m_atStart; ///< what an earlier session left behind is no news
-    FieldLabel *m_label = nullptr;
+    QLabel *m_label = nullptr;
     Button *m_record = nullptr;
     Button *m_restore = nullptr; ///< "Reset" or "Clear"
     Caption *m_problem = nullptr;

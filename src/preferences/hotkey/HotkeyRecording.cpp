@@ -73,7 +73,7 @@ HotkeyRecording::HotkeyRecording() {
     connect(qGuiApp, &QGuiApplication::applicationStateChanged, this, [this] {
         if (!isApplicationActive())
             letGo(); // whoever has the keyboard now sees the release
-        settle();
+        shareHotkeys();
     });
     connect(qGuiApp, &QCoreApplication::aboutToQuit, this, [this] {
         letGo();
@@ -87,7 +87,7 @@ void HotkeyRecording::toggle(RecordedHotkey hotkey) {
 
 void HotkeyRecording::setOnScreen(RecordedHotkey hotkey, bool isOnScreen) {
     m_onScreen[static_cast<size_t>(hotkey)] = isOnScreen;
-    settle();
+    shareHotkeys();
 }
 
 KeyCombo HotkeyRecording::stored(RecordedHotkey hotkey) {
@@ -119,7 +119,7 @@ void HotkeyRecording::store(RecordedHotkey hotkey, const KeyCombo &combo) {
 
 void HotkeyRecording::setCurrent(std::optional<RecordedHotkey> hotkey) {
     m_current = hotkey;
-    settle();
+    shareHotkeys();
     Q_EMIT changed();
 }
 
@@ -127,7 +127,7 @@ bool HotkeyRecording::isListening() const {
     return m_current && m_onScreen[static_cast<size_t>(*m_current)];
 }
 
-void HotkeyRecording::settle() {
+void HotkeyRecording::shareHotkeys() {
     const bool keepsOthersOut = isListening() || m_isStoring || m_heldKey;
     qGuiApp->removeEventFilter(this);
     if (keepsOthersOut)
@@ -197,7 +197,7 @@ void HotkeyRecording::keyReleased(const QKeyEvent &key) {
     m_release.cancel();
     m_release = Platform::current().dispatch->after(repeatGap, [this] {
         letGo();
-        settle();
+        shareHotkeys();
     });
 }
 

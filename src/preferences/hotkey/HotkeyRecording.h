@@ -54,7 +54,7 @@ private:
     void letGo();
     void setCurrent(std::optional<RecordedHotkey> hotkey);
     /// Gives the registered hotkeys back, or takes them again, as the state demands.
-    void settle();
+    void shareHotkeys();
 
     std::optional<RecordedHotkey> m_current;
     std::array<bool, 2> m_onScreen{};

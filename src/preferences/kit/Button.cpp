@@ -89,17 +89,17 @@ void Button::paintEvent(QPaintEvent *) {
     QPainter painter(this);
     paintBody(painter);
     const QColor colour = contentColour();
-    const int words = fontMetrics().horizontalAdvance(text());
+    const int textWidth = fontMetrics().horizontalAdvance(text());
     const int gap = m_symbol && !text().isEmpty() ? symbolGap : 0;
     const int symbol = m_symbol ? symbolSize() : 0;
-    int x = (width() - words - gap - symbol) / 2;
+    int x = (width() - textWidth - gap - symbol) / 2;
     if (m_symbol)
         Symbols::paint(painter, *m_symbol, QRectF(x, (height() - symbol) / 2.0, symbol, symbol),
                        colour);
     x += symbol + gap;
     painter.setPen(colour);
     painter.setFont(font());
-    painter.drawText(QRect(x, 0, words + 1, height()),
+    painter.drawText(QRect(x, 0, textWidth + 1, height()),
                      Qt::AlignVCenter | Qt::AlignLeft | Qt::TextHideMnemonic, text());
     if (!hasFocus())
         return;

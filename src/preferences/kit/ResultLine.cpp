@@ -33,10 +33,10 @@ public:
             m_angle = (m_angle + 30) % 360;
             update();
         });
-        settle();
+        refresh();
     }
 
-    void settle() {
+    void refresh() {
         // As high as the first line of the text, so that it stands in its middle.
         const QFontMetrics metrics(Style::font(Style::TextRole::Caption));
         setFixedSize(Style::scaled(18), metrics.height() + 2 * m_margin);
@@ -48,7 +48,7 @@ public:
     }
 
 protected:
-    void showEvent(QShowEvent *) override { settle(); }
+    void showEvent(QShowEvent *) override { refresh(); }
     void hideEvent(QHideEvent *) override { m_turn.stop(); }
 
     void paintEvent(QPaintEvent *) override {
@@ -104,7 +104,7 @@ void ResultLine::setResult(State state, const QString &text) {
     m_text.setText(text);
     setAccessibleName(text);
     setVisible(state != State::Idle);
-    static_cast<ResultIcon *>(m_icon)->settle();
+    static_cast<ResultIcon *>(m_icon)->refresh();
     if (state != State::Idle && isVisible()) {
         QAccessibleEvent news(this, QAccessible::Alert);
         QAccessible::updateAccessibility(&news);
@@ -113,6 +113,6 @@ void ResultLine::setResult(State state, const QString &text) {
 
 bool ResultLine::event(QEvent *event) {
     if (event->type() == QEvent::ApplicationFontChange)
-        static_cast<ResultIcon *>(m_icon)->settle();
+        static_cast<ResultIcon *>(m_icon)->refresh();
     return QWidget::event(event);
 }

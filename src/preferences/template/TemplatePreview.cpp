@@ -4,7 +4,7 @@
 #include "model/Text.h"
 #include "preferences/kit/BorderedField.h"
 #include "preferences/kit/Button.h"
-#include "preferences/kit/SectionHeader.h"
+#include "preferences/kit/Labels.h"
 #include "preferences/kit/SegmentedPicker.h"
 #include "preferences/kit/SelectableLabel.h"
 #include "preferences/kit/Style.h"
@@ -42,13 +42,6 @@ protected:
         SelectableLabel::paintEvent(event);
     }
 };
-
-QLabel *plainLabel(const QString &text, Style::TextRole role, Style::ColourRole colour) {
-    auto *label = new QLabel(text);
-    label->setTextFormat(Qt::PlainText);
-    Style::dress(label, role, colour);
-    return label;
-}
 
 QWidget *samplePicker(JiraPreviewSource &source) {
     auto *picker = new SegmentedPicker(u"Sample type"_s, {u"Issue link"_s, u"Comment link"_s});
@@ -97,7 +90,7 @@ TemplatePreview::TemplatePreview(PreviewSource &source, const FetchRow &row, QWi
 QLayout *TemplatePreview::header() {
     m_caption = plainLabel({}, Style::TextRole::Small, Style::ColourRole::Secondary);
     auto *row = new QHBoxLayout;
-    row->addWidget(new SectionHeader(u"Preview"_s));
+    row->addWidget(sectionHeader(u"Preview"_s));
     row->addStretch();
     row->addWidget(m_caption);
     return row;
