@@ -28,12 +28,17 @@ constexpr int sidebarGreatest = 250;
 /// The sidebar's ground, a shade away from that of the tabs.
 class Sidebar : public QWidget {
 public:
-    Sidebar() { settleWidth(); }
+    Sidebar() { limitWidth(); }
+
+    /// Its rows still fit in when the tabs need room more than it does.
+    QSize minimumSizeHint() const override {
+        return layout()->minimumSize().expandedTo({sidebarLeast, 0});
+    }
 
 protected:
     bool event(QEvent *event) override {
         if (event->type() == QEvent::ApplicationFontChange)
-            settleWidth();
+            limitWidth();
         return QWidget::event(event);
     }
 
@@ -47,9 +52,32 @@ protected:
     }
 
 private:
-    void settleWidth() {
-        setMinimumWidth(Style::scaled(sidebarLeast));
-        setMaximumWidth(Style::scaled(sidebarGreatest));
+    void limitWidth() { setMaximumWidth(Style::scaled(sidebarGreatest)); }
+};
+
+/// The ground that a tab scrolls on, at least as wide as the tab can be.
+class Page : public QScrollArea {
+public:
+    explicit Page(QWidget *content) {
+        setFrameShape(QFrame::NoFrame);
+        setWidgetResizable(true);
+        setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+        setFocusPolicy(Qt::NoFocus);
+        new SlimScrollBar(this);
+        content->resize(size()); // or it would be measured for a size that it never gets
+        setWidget(content);
+    }
+
+    QSize minimumSizeHint() const override {
+        const QSize least = QScrollArea::minimumSizeHint();
+        return {widget()->minimumSizeHint().width(), least.height()};
+    }
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override {
+        if (watched == widget() && event->type() == QEvent::LayoutRequest)
+            updateGeometry();
+        return QScrollArea::eventFilter(watched, event);
     }
 };
 
@@ -108,19 +136,12 @@ void PreferencesView::selectTab(PreferencesTab tab) {
 QWidget *PreferencesView::pageOf(PreferencesTab tab) {
     if (QWidget *page = m_pages.value(tab))
         return page;
-    auto *page = new QScrollArea;
-    page->setFrameShape(QFrame::NoFrame);
-    page->setWidgetResizable(true);
-    page->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    page->setFocusPolicy(Qt::NoFocus);
-    new SlimScrollBar(page);
     auto *content = new QWidget;
     auto *column = new QVBoxLayout(content);
     column->setContentsMargins(Style::panePadding, Style::panePadding, Style::panePadding,
                                Style::panePadding);
     column->addWidget(makeTab(tab));
-    content->resize(page->size()); // or it would be measured for a size that it never gets
-    page->setWidget(content);
+    auto *page = new Page(content);
     m_detail->addWidget(page);
     m_pages.insert(tab, page);
     return page;

@@ -5,7 +5,7 @@
 #include "fakes/FakePlatform.h"
 #include "platform/wording.h"
 #include "preferences/PreferencesView.h"
-#include "preferences/emoji/EmojiPickerField.h"
+#include "preferences/emoji/EmojiField.h"
 #include "preferences/kit/BorderedField.h"
 #include "preferences/log/LogView.h"
 #include "preferences/template/PlaceholderTextView.h"

@@ -5,7 +5,7 @@
 #include "preferences/connection/TokenBlock.h"
 #include "preferences/kit/BorderedField.h"
 #include "preferences/kit/Divider.h"
-#include "preferences/kit/FieldLabel.h"
+#include "preferences/kit/Labels.h"
 #include "preferences/kit/LinkButton.h"
 #include "preferences/kit/Style.h"
 #include "storage/LogStore.h"
@@ -27,7 +27,7 @@ void openTokenPage() {
 QLayout *settingField(const QString &title, const QString &prompt, Setting<QString> &setting) {
     auto *field = new BorderedField(prompt);
     field->setAccessibleName(title);
-    auto *label = new FieldLabel(title);
+    auto *label = fieldLabel(title);
     label->setBuddy(field);
     const auto refresh = [field, &setting] { field->show(setting()); };
     QObject::connect(&Settings::shared(), &Settings::didChange, field, refresh);

@@ -2,11 +2,11 @@
 
 #include "platform/wording.h"
 #include "preferences/SettingsBinding.h"
-#include "preferences/emoji/EmojiPickerField.h"
+#include "preferences/emoji/EmojiField.h"
 #include "preferences/kit/AccessibleRole.h"
 #include "preferences/kit/Button.h"
 #include "preferences/kit/Caption.h"
-#include "preferences/kit/FieldLabel.h"
+#include "preferences/kit/Labels.h"
 #include "preferences/kit/Style.h"
 
 #include <QHBoxLayout>
@@ -70,7 +70,7 @@ EmojiTable::EmojiTable(QWidget *parent) : QWidget(parent) {
     auto *column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(Style::tightSpacing);
-    column->addWidget(new FieldLabel(QStringLiteral("Type emojis")));
+    column->addWidget(fieldLabel(QStringLiteral("Type emojis")));
     column->addWidget(new Caption(QStringLiteral(
         "Maps Jira issue types → emoji for the `{type-emoji}` placeholder. Case-insensitive. The "
         "Comment row feeds `{comment-emoji}`.")));

@@ -1,5 +1,6 @@
 #include "preferences/log/LogList.h"
 
+#include "preferences/kit/SlimScrollBar.h"
 #include "preferences/kit/Style.h"
 
 #include <QEvent>
@@ -38,6 +39,7 @@ LogList::LogList(QWidget *parent) : QTextEdit(parent) {
         QScrollBar *bar = verticalScrollBar();
         bar->setValue(m_slideFrom + qRound((bar->maximum() - m_slideFrom) * way.toReal()));
     });
+    new SlimScrollBar(this);
     startAfresh();
 }
 
