@@ -26,7 +26,8 @@ LinkButton::LinkButton(const QString &text, QWidget *parent) : QPushButton(text,
 
 QSize LinkButton::sizeHint() const {
     ensurePolished();
-    return {symbolSide() + gap + fontMetrics().horizontalAdvance(text()) + 2 * padding,
+    const int textWidth = fontMetrics().horizontalAdvance(text()) + 1; // it may be a fraction more
+    return {symbolSide() + gap + textWidth + 2 * padding,
             std::max(symbolSide(), fontMetrics().height()) + 2 * padding};
 }
 

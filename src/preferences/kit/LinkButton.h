@@ -2,7 +2,8 @@
 
 #include <QPushButton>
 
-/// A line of text that opens a page, shortened where there is no room; a button to the keyboard and to assistive programs.
+/// A line of text that opens a page, shortened where there is no room; a button to the keyboard and
+/// to assistive programs.
 class LinkButton : public QPushButton {
     Q_OBJECT
 
