@@ -32,8 +32,10 @@ PasteTarget::PasteTarget(const VirtualDesktop &desktop, TargetKind kind,
         break;
     case TargetKind::Foot:
         // What runs inside has the terminal for its output, and this one's as descriptor 3.
-        launch(u"/bin/sh"_s, {u"-c"_s, u"exec foot --log-level=error \"$0\" 3>&1"_s,
-                              QStringLiteral(TERMINAL_ECHO_PROGRAM)});
+        launch(u"/bin/sh"_s,
+               {u"-c"_s,
+                u"LD_PRELOAD=\"$1\" exec foot --log-level=none env -u LD_PRELOAD \"$0\" 3>&1"_s,
+                QStringLiteral(TERMINAL_ECHO_PROGRAM), QStringLiteral(FOOT_SCREEN_LIBRARY)});
         break;
     case TargetKind::Qt:
     case TargetKind::XWayland:

@@ -13,7 +13,7 @@ from gi.repository import Gdk, GLib, Gtk  # noqa: E402
 
 
 def say(event, **line):
-    print(json.dumps({"event": event, **line}), flush=True)
+    print(json.dumps({"event": event, **line}, separators=(",", ":")), flush=True)
 
 
 class Target:
