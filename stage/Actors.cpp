@@ -25,7 +25,7 @@ PasteTarget::PasteTarget(const VirtualDesktop &desktop, const QStringList &argum
 
 PasteTarget::PasteTarget(const VirtualDesktop &desktop, TargetKind kind,
                          const QStringList &arguments)
-    : StageProcess(environmentOf(desktop, kind)) {
+    : StageProcess(environmentOf(desktop, kind)), m_kind(kind) {
     switch (kind) {
     case TargetKind::Gtk:
         launch(QStringLiteral(GTK_PASTE_TARGET_PROGRAM), {});
@@ -35,7 +35,7 @@ PasteTarget::PasteTarget(const VirtualDesktop &desktop, TargetKind kind,
         launch(u"/bin/sh"_s,
                {u"-c"_s,
                 u"LD_PRELOAD=\"$1\" exec foot --log-level=none env -u LD_PRELOAD \"$0\" 3>&1"_s,
-                QStringLiteral(TERMINAL_ECHO_PROGRAM), QStringLiteral(FOOT_SCREEN_LIBRARY)});
+                QStringLiteral(TERMINAL_ECHO_PROGRAM), QStringLiteral(FOOT_WIRE_LIBRARY)});
         break;
     case TargetKind::Qt:
     case TargetKind::XWayland:
@@ -46,6 +46,8 @@ PasteTarget::PasteTarget(const VirtualDesktop &desktop, TargetKind kind,
 
 bool PasteTarget::hasFocus() const {
     // From the lines, as events may have been forgotten since.
+    if (m_kind == TargetKind::Foot && !lines().contains(u"{\"event\":\"ready\"}"_s))
+        return false;
     return lines().lastIndexOf(u"{\"event\":\"focused\"}"_s) >
            lines().lastIndexOf(u"{\"event\":\"unfocused\"}"_s);
 }

@@ -42,6 +42,9 @@ public:
     /// Gives a command and waits until it has been carried out; false if it was not. For a busy
     /// target use send(), which does not wait.
     bool command(const QString &line);
+
+private:
+    TargetKind m_kind;
 };
 
 /// One flavour of a ClipboardOwner.

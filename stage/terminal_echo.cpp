@@ -1,5 +1,5 @@
 // Runs in a terminal and tells on descriptor 3 what that hands it, in the words of paste_target:
-// "focused", "unfocused", "paste" and "typed".
+// "paste" and "typed", and "ready" before these.
 
 #include "stage/JsonLines.h"
 
@@ -12,7 +12,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// The bytes of a terminal that has been asked to mark pastes and to tell about the focus.
+/// The bytes of a terminal that has been asked to mark pastes, and then how it is.
 class Echo {
 public:
     void take(const QByteArray &bytes) {
@@ -23,14 +23,15 @@ public:
 
 private:
     static constexpr QByteArrayView pasteBegins = "\033[200~", pasteEnds = "\033[201~",
-                                    focused = "\033[I", unfocused = "\033[O";
+                                    isWell = "\033[0n";
 
     // False when more must come first.
     bool step() {
-        if (m_pending.startsWith(focused))
-            return told(u"focused"_s, focused);
-        if (m_pending.startsWith(unfocused))
-            return told(u"unfocused"_s, unfocused);
+        if (m_pending.startsWith(isWell)) {
+            say(u"ready"_s);
+            m_pending.remove(0, isWell.size());
+            return true;
+        }
         if (m_pending.startsWith(pasteBegins)) {
             const qsizetype end = m_pending.indexOf(pasteEnds);
             if (end < 0)
@@ -41,16 +42,10 @@ private:
             return true;
         }
         if (m_pending[0] == '\033' && m_pending.size() < pasteBegins.size() &&
-            (pasteBegins.startsWith(m_pending) || focused.startsWith(m_pending)))
+            (pasteBegins.startsWith(m_pending) || isWell.startsWith(m_pending)))
             return false;
         say(u"typed"_s, {{u"text"_s, QString::fromLatin1(m_pending.first(1))}});
         m_pending.remove(0, 1);
-        return true;
-    }
-
-    bool told(const QString &event, QByteArrayView mark) {
-        say(event);
-        m_pending.remove(0, mark.size());
         return true;
     }
 
@@ -65,7 +60,7 @@ int main() {
     if (terminal < 0 || tcgetattr(STDIN_FILENO, &raw) != 0 || dup2(3, STDOUT_FILENO) < 0)
         return 1;
     cfmakeraw(&raw);
-    constexpr QByteArrayView asks = "\033[?2004h\033[?1004h";
+    constexpr QByteArrayView asks = "\033[?2004h\033[5n";
     if (tcsetattr(STDIN_FILENO, TCSANOW, &raw) != 0 ||
         write(terminal, asks.data(), static_cast<size_t>(asks.size())) != asks.size())
         return 1;
