@@ -54,18 +54,19 @@ KWinCompositor::KWinCompositor(DesktopHome &home, const DesktopOptions &options)
     environment.insert(u"XDG_SESSION_TYPE"_s, u"wayland"_s);
     environment.insert(u"XDG_CURRENT_DESKTOP"_s, u"KDE"_s);
     environment.insert(u"QT_QPA_PLATFORM"_s, u"wayland"_s);
+    environment.insert(u"KWIN_COMPOSE"_s, u"Q"_s); // without OpenGL, which would be emulated
     home.write(u"config/menus/applications.menu"_s, menu);
     home.write(u"config/kxkbrc"_s,
                u"[Layout]\nUse=true\nLayoutList=%1\n"_s.arg(options.layouts).toUtf8());
     grant(home, keyboard, u"org_kde_kwin_fake_input"_s);
     for (auto each = options.grants.begin(); each != options.grants.end(); ++each)
         grant(home, each.key(), each.value());
-    const StageProcess *kwin =
+    m_kwin =
         home.begin(ownCopy(home), {u"--virtual"_s, u"--width"_s, u"1280"_s, u"--height"_s, u"800"_s,
                                    u"--no-lockscreen"_s, u"--socket"_s, socketName, u"--xwayland"_s,
                                    u"/bin/sh "_s + home.write(u"session.sh"_s, session)});
     QFile display(home.path() + u"/run/display"_s);
-    waitFor([&] { return display.exists() || kwin->state() == QProcess::NotRunning; });
+    waitFor([&] { return display.exists() || m_kwin->state() == QProcess::NotRunning; });
     if (!display.open(QIODevice::ReadOnly)) {
         home.fail(u"kwin_wayland"_s, u"does not come up"_s);
         return;
@@ -75,4 +76,13 @@ KWinCompositor::KWinCompositor(DesktopHome &home, const DesktopOptions &options)
     environment.insert(u"DISPLAY"_s, m_display);
     m_keyboard = home.begin(keyboard);
     home.firstLine(*m_keyboard);
+}
+
+// Asked to terminate, it waits up to five seconds for XWayland, which may be waiting for it.
+// Without it XWayland ends at once.
+KWinCompositor::~KWinCompositor() {
+    if (!m_kwin)
+        return;
+    m_kwin->kill();
+    m_kwin->waitForFinished();
 }

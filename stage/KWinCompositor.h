@@ -9,11 +9,13 @@
 class KWinCompositor : public Screen {
 public:
     KWinCompositor(DesktopHome &home, const DesktopOptions &options);
+    ~KWinCompositor() override;
 
     QString display() const override { return m_display; }
     StageProcess *keyboard() const override { return m_keyboard; }
 
 private:
     QString m_display;
+    StageProcess *m_kwin = nullptr;
     StageProcess *m_keyboard = nullptr;
 };

@@ -59,6 +59,7 @@ VirtualDesktop::VirtualDesktop(const DesktopOptions &options) : m_kind(options.k
 
 VirtualDesktop::~VirtualDesktop() {
     QDBusConnection::disconnectFromBus(m_busAddress);
+    m_screen.reset();
     m_home.end();
 }
 
