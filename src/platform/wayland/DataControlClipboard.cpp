@@ -2,8 +2,6 @@
 
 #include "platform/linux/FlavourNames.h"
 
-#include <csignal>
-
 #include <algorithm>
 
 namespace {
@@ -16,18 +14,10 @@ constexpr int mostReads = 3;
 constexpr std::chrono::milliseconds longestSilence{100};
 constexpr std::chrono::seconds longestHandOver{3};
 
-void blockPipeSignal() {
-    sigset_t pipe;
-    sigemptyset(&pipe);
-    sigaddset(&pipe, SIGPIPE);
-    pthread_sigmask(SIG_BLOCK, &pipe, nullptr);
-}
-
 } // namespace
 
 DataControlClipboard::DataControlClipboard(int interrupt, ThreadedPasteboard::News news)
     : m_news(std::move(news)), m_wayland(interrupt) {
-    blockPipeSignal();
     followSeats();
     m_wayland.roundTrip(); // and what is on the clipboard already is no change
     m_count = {};

@@ -9,7 +9,6 @@
 /// The clipboard of the seat that has a keyboard, as a clipboard of one item.
 class DataControlClipboard : public ClipboardServer {
 public:
-    /// Blocks SIGPIPE for the calling thread: who asks for data may go before it has come.
     DataControlClipboard(int interrupt, ThreadedPasteboard::News news);
 
     QString problem() const override;

@@ -4,11 +4,19 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <csignal>
 
 namespace {
 /// Who lets this pass without taking anything has given up.
 constexpr std::chrono::seconds longestStall{10};
 } // namespace
+
+PipeTransfers::PipeTransfers() {
+    sigset_t pipe;
+    sigemptyset(&pipe);
+    sigaddset(&pipe, SIGPIPE);
+    pthread_sigmask(SIG_BLOCK, &pipe, nullptr);
+}
 
 void PipeTransfers::begin(Descriptor pipe, const QByteArray &data) {
     const int flags = fcntl(pipe.number(), F_GETFL);

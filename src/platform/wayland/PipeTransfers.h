@@ -10,11 +10,14 @@
 #include <list>
 #include <vector>
 
-/// Data on its way into the pipes of those who asked for it. Nothing waits for them. The thread
-/// must have blocked SIGPIPE.
+/// Data on its way into the pipes of those who asked for it. Nothing waits for them.
 class PipeTransfers {
 public:
     using Clock = std::chrono::steady_clock;
+
+    /// Blocks SIGPIPE for the calling thread, which must be the one that uses this: who asks for
+    /// data may go before it has come.
+    PipeTransfers();
 
     /// Sends `data`, as much at once as fits.
     void begin(Descriptor pipe, const QByteArray &data);
