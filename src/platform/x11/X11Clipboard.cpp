@@ -7,13 +7,6 @@ namespace {
 /// How often a clipboard is read anew that changes while it is read.
 constexpr int mostReads = 3;
 
-ClipboardContents contentsOf(qint64 changeCount, const std::optional<PasteboardItem> &item) {
-    if (!item)
-        return {changeCount, {}, {}, {}};
-    return {changeCount, FlavourNames::text(*item, PasteboardType::String),
-            FlavourNames::text(*item, PasteboardType::Html), QList<PasteboardItem>{*item}};
-}
-
 } // namespace
 
 X11Clipboard::X11Clipboard(int interrupt, ThreadedPasteboard::News news) : m_x11(interrupt) {
@@ -50,27 +43,18 @@ void X11Clipboard::serve(const pollfd *) {
 void X11Clipboard::ownerChanged(const xcb_xfixes_selection_notify_event_t &event) {
     if (m_owner->isOwnClaim(event))
         return;
-    ++m_changeCount;
+    m_count.changedByOthers();
     m_owner->lost();
     m_reader->ownerChanged();
 }
 
-/// Decides whether foreign changes since our last write count: a clipboard manager that took over
-/// what we wrote has changed nothing. One look decides, and the next foreign change counts again.
 void X11Clipboard::settleCount() {
-    if (!m_writtenCount || m_changeCount == *m_writtenCount)
-        return;
-    if (wasTakenOver())
-        m_changeCount = *m_writtenCount;
-    m_writtenCount.reset();
-}
-
-bool X11Clipboard::wasTakenOver() {
-    const auto reading = m_reader->read([](const QByteArray &name) {
-        return name == "UTF8_STRING" || name == "text/plain;charset=utf-8";
+    m_count.settle([this] {
+        const auto reading = m_reader->read([](const QByteArray &name) {
+            return name == "UTF8_STRING" || name == "text/plain;charset=utf-8";
+        });
+        return FlavourNames::text(reading.given, PasteboardType::String);
     });
-    const auto text = FlavourNames::text(reading.given, PasteboardType::String);
-    return text && text->toUtf8() == m_written;
 }
 
 ClipboardContents X11Clipboard::read() {
@@ -79,14 +63,15 @@ ClipboardContents X11Clipboard::read() {
     m_x11.sync();
     settleCount();
     if (m_owner->isOwner())
-        return contentsOf(m_changeCount, m_owner->contents());
+        return FlavourNames::contents(m_count.value(), m_owner->contents());
     for (int times = 1;; ++times) {
-        const qint64 count = m_changeCount;
+        const qint64 count = m_count.value();
         const auto reading = m_reader->read(
             [](const QByteArray &name) { return FlavourNames::typeOf(name).has_value(); });
         // Half of one owner's and half of the next one's is what nobody copied.
-        if (count == m_changeCount || times == mostReads)
-            return contentsOf(count, reading.offered ? std::optional(reading.given) : std::nullopt);
+        if (count == m_count.value() || times == mostReads)
+            return FlavourNames::contents(count, reading.offered ? std::optional(reading.given)
+                                                                 : std::nullopt);
     }
 }
 
@@ -97,15 +82,13 @@ std::optional<PasteboardWrite> X11Clipboard::own(const PasteboardItem &contents,
     // A claim by somebody else that we have not heard of by then is later than ours, and wins.
     const xcb_timestamp_t time = m_x11.freshTimestamp();
     settleCount();
-    if (ifCountIs && m_changeCount != *ifCountIs)
+    if (ifCountIs && m_count.value() != *ifCountIs)
         return std::nullopt;
     if (!m_owner->own(contents, time)) {
-        m_writtenCount.reset();
+        m_count.failedToChange();
         return std::nullopt;
     }
-    m_written = FlavourNames::text(contents, PasteboardType::String).value_or(QString()).toUtf8();
-    m_writtenCount = ++m_changeCount;
-    return PasteboardWrite{m_changeCount, Dispatch::Clock::now()};
+    return PasteboardWrite{m_count.changedByUs(contents), Dispatch::Clock::now()};
 }
 
 bool X11Clipboard::holdsOurs() {
