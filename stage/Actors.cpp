@@ -7,13 +7,47 @@
 
 using namespace Qt::StringLiterals;
 
+namespace {
+
+QProcessEnvironment environmentOf(const VirtualDesktop &desktop, TargetKind kind) {
+    QProcessEnvironment environment = desktop.environment();
+    if (kind == TargetKind::XWayland)
+        environment.insert(u"QT_QPA_PLATFORM"_s, u"xcb"_s);
+    if (kind == TargetKind::Gtk)
+        environment.insert(u"GDK_BACKEND"_s, u"wayland"_s);
+    return environment;
+}
+
+} // namespace
+
 PasteTarget::PasteTarget(const VirtualDesktop &desktop, const QStringList &arguments)
-    : StageProcess(desktop.environment()) {
-    launch(QStringLiteral(PASTE_TARGET_PROGRAM), arguments);
+    : PasteTarget(desktop, TargetKind::Qt, arguments) {}
+
+PasteTarget::PasteTarget(const VirtualDesktop &desktop, TargetKind kind,
+                         const QStringList &arguments)
+    : StageProcess(environmentOf(desktop, kind)), m_kind(kind) {
+    switch (kind) {
+    case TargetKind::Gtk:
+        launch(QStringLiteral(GTK_PASTE_TARGET_PROGRAM), {});
+        break;
+    case TargetKind::Foot:
+        // What runs inside has the terminal for its output, and this one's as descriptor 3.
+        launch(u"/bin/sh"_s,
+               {u"-c"_s,
+                u"LD_PRELOAD=\"$1\" exec foot --log-level=none env -u LD_PRELOAD \"$0\" 3>&1"_s,
+                QStringLiteral(TERMINAL_ECHO_PROGRAM), QStringLiteral(FOOT_WIRE_LIBRARY)});
+        break;
+    case TargetKind::Qt:
+    case TargetKind::XWayland:
+        launch(QStringLiteral(PASTE_TARGET_PROGRAM), arguments);
+        break;
+    }
 }
 
 bool PasteTarget::hasFocus() const {
     // From the lines, as events may have been forgotten since.
+    if (m_kind == TargetKind::Foot && !lines().contains(u"{\"event\":\"ready\"}"_s))
+        return false;
     return lines().lastIndexOf(u"{\"event\":\"focused\"}"_s) >
            lines().lastIndexOf(u"{\"event\":\"unfocused\"}"_s);
 }
@@ -64,7 +98,9 @@ ClipboardOwner::ClipboardOwner(const VirtualDesktop &desktop, const QList<OwnedF
         const QString type = flavour.type.isEmpty() ? flavour.name : flavour.type;
         all += {u"--flavour"_s, u"%1>%2=@%3"_s.arg(flavour.name, type, file->fileName())};
     }
-    if (launch(QStringLiteral(CLIPBOARD_OWNER_PROGRAM), all))
+    if (launch(desktop.kind() == DesktopKind::X11 ? QStringLiteral(CLIPBOARD_OWNER_PROGRAM)
+                                                  : QStringLiteral(WAYLAND_CLIPBOARD_OWNER_PROGRAM),
+               all))
         waitForEvent(u"owned"_s);
 }
 

@@ -13,12 +13,22 @@ struct Paste {
     QByteArray rtf;
 };
 
+/// What kind of program a PasteTarget is. An X11 desktop has only Qt's.
+enum class TargetKind {
+    Qt,       ///< Qt, by the desktop's own protocol
+    Gtk,      ///< GTK 3; clear, busy and quit are all the commands it knows
+    Foot,     ///< a terminal, which tells of "focused", "paste" and "typed" and takes no commands
+    XWayland, ///< Qt as an X client
+};
+
 /// A window to paste into, in a process of its own. It tells of "focused", "unfocused", "paste",
 /// "typed", "key" and "done"; paste_target.cpp has its arguments and commands.
 class PasteTarget : public StageProcess {
 public:
     /// Starts it; errorString() tells if that fails.
     explicit PasteTarget(const VirtualDesktop &desktop, const QStringList &arguments = {});
+    /// The same in another kind of program; `arguments` are for Qt's.
+    PasteTarget(const VirtualDesktop &desktop, TargetKind kind, const QStringList &arguments = {});
 
     /// Whether it has the keyboard focus, by what it has told so far.
     bool hasFocus() const;
@@ -32,6 +42,9 @@ public:
     /// Gives a command and waits until it has been carried out; false if it was not. For a busy
     /// target use send(), which does not wait.
     bool command(const QString &line);
+
+private:
+    TargetKind m_kind;
 };
 
 /// One flavour of a ClipboardOwner.
@@ -43,7 +56,8 @@ struct OwnedFlavour {
 };
 
 /// Another program that owns the clipboard. It tells of "owned", "cleared" (someone else owns it
-/// now), "request", "swallowed" and "served"; clipboard_owner.cpp has its arguments.
+/// now), "request", "swallowed" and "served"; clipboard_owner.cpp has its arguments, on Wayland
+/// wayland_clipboard_owner.cpp.
 class ClipboardOwner : public StageProcess {
 public:
     /// Starts it and waits until it owns the clipboard; see ownsClipboard().

@@ -1,6 +1,73 @@
 #include "stage/VirtualKeyboard.h"
 
+#include "stage/VirtualDesktop.h"
+
 #include <xcb/xtest.h>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+using Stroke = VirtualKeyboard::Stroke;
+
+class XKeys : public VirtualKeyboard::Keys {
+public:
+    explicit XKeys(const QString &display) : m_x(display) {}
+
+    bool strike(const QList<Stroke> &strokes) override {
+        if (!m_x.isValid())
+            return false;
+        QList<xcb_void_cookie_t> cookies;
+        for (const Stroke &stroke : strokes)
+            cookies.append(xcb_test_fake_input_checked(
+                m_x.get(), stroke.isPress ? XCB_KEY_PRESS : XCB_KEY_RELEASE,
+                static_cast<uint8_t>(stroke.code), XCB_CURRENT_TIME, m_x.root(), 0, 0, 0));
+        bool done = true;
+        for (const xcb_void_cookie_t &cookie : cookies) {
+            const XOwned<xcb_generic_error_t> error(xcb_request_check(m_x.get(), cookie));
+            done = done && !error;
+        }
+        return done && m_x.isValid();
+    }
+
+private:
+    XConnection m_x;
+};
+
+class WaylandKeys : public VirtualKeyboard::Keys {
+public:
+    explicit WaylandKeys(StageProcess &keyboard) : m_keyboard(keyboard) {}
+
+    bool strike(const QList<Stroke> &strokes) override {
+        QStringList line;
+        for (const Stroke &stroke : strokes)
+            line.append((stroke.isPress ? u'+' : u'-') + QString::number(stroke.code - keyCode(0)));
+        const qsizetype before = m_keyboard.events(u"done"_s).size();
+        m_keyboard.send(line.join(u' '));
+        // Without the event loop, as on an X server.
+        const auto isDone = [&] { return m_keyboard.events(u"done"_s).size() > before; };
+        constexpr int patience = 5000;
+        while (!isDone() && m_keyboard.waitForReadyRead(patience)) {
+        }
+        return isDone() && m_keyboard.events(u"done"_s).constLast()[u"ok"].toBool();
+    }
+
+private:
+    StageProcess &m_keyboard;
+};
+
+std::unique_ptr<VirtualKeyboard::Keys> keysOf(const VirtualDesktop &desktop) {
+    if (StageProcess *keyboard = desktop.keyboard())
+        return std::make_unique<WaylandKeys>(*keyboard);
+    return std::make_unique<XKeys>(desktop.keyboardDisplay());
+}
+
+} // namespace
+
+VirtualKeyboard::VirtualKeyboard(const QString &display)
+    : m_keys(std::make_unique<XKeys>(display)) {}
+
+VirtualKeyboard::VirtualKeyboard(const VirtualDesktop &desktop) : m_keys(keysOf(desktop)) {}
 
 VirtualKeyboard::~VirtualKeyboard() {
     while (!m_held.isEmpty())
@@ -8,11 +75,11 @@ VirtualKeyboard::~VirtualKeyboard() {
 }
 
 bool VirtualKeyboard::press(int code) {
-    return fake({{code, true}});
+    return strike({{code, true}});
 }
 
 bool VirtualKeyboard::release(int code) {
-    return fake({{code, false}});
+    return strike({{code, false}});
 }
 
 bool VirtualKeyboard::tap(int code) {
@@ -25,28 +92,16 @@ bool VirtualKeyboard::chord(std::initializer_list<int> codes) {
         strokes.append({code, true});
     for (auto code = std::rbegin(codes); code != std::rend(codes); ++code)
         strokes.append({*code, false});
-    return fake(strokes);
+    return strike(strokes);
 }
 
-// All in one go: a key must not begin to repeat because this process has to wait for its turn.
-bool VirtualKeyboard::fake(const QList<Stroke> &strokes) {
-    if (!m_x.isValid())
-        return false;
-    QList<xcb_void_cookie_t> cookies;
+bool VirtualKeyboard::strike(const QList<Stroke> &strokes) {
     for (const Stroke &stroke : strokes) {
         m_held.removeAll(stroke.code);
         if (stroke.isPress)
             m_held.append(stroke.code);
-        cookies.append(xcb_test_fake_input_checked(
-            m_x.get(), stroke.isPress ? XCB_KEY_PRESS : XCB_KEY_RELEASE,
-            static_cast<uint8_t>(stroke.code), XCB_CURRENT_TIME, m_x.root(), 0, 0, 0));
     }
-    bool done = true;
-    for (const xcb_void_cookie_t &cookie : cookies) {
-        const XOwned<xcb_generic_error_t> error(xcb_request_check(m_x.get(), cookie));
-        done = done && !error;
-    }
-    return done && m_x.isValid();
+    return m_keys->strike(strokes);
 }
 
 QList<int> heldKeys(const QString &display) {

@@ -7,6 +7,9 @@
 #include <linux/input-event-codes.h>
 
 #include <initializer_list>
+#include <memory>
+
+class VirtualDesktop;
 
 /// The X key code of a key of linux/input-event-codes.h (KEY_V, KEY_LEFTCTRL, ...): a place on
 /// the keyboard, whatever the layout.
@@ -14,13 +17,16 @@ constexpr int keyCode(int evdevCode) {
     return evdevCode + 8;
 }
 
-/// Hands on a keyboard: presses keys of a display by XTEST. On keyboardDisplay() of
-/// a desktop with a physical keyboard these are real keys to its inner display. Each call
-/// returns when the named display has carried it out; the inner one may take a moment longer.
+/// Hands on a keyboard. On an X server they press keys by XTEST; on keyboardDisplay() of a desktop
+/// with a physical keyboard these are real keys to its inner display. On Wayland they are on the
+/// keyboard that came up with the desktop. Each call returns when the named display or the
+/// compositor has been told; who has the focus may take a moment longer.
 class VirtualKeyboard {
 public:
     /// Key codes below are X key codes. Invalid displays make every call return false.
-    explicit VirtualKeyboard(const QString &display) : m_x(display) {}
+    explicit VirtualKeyboard(const QString &display);
+    /// The keyboard of a desktop, which must outlive these hands.
+    explicit VirtualKeyboard(const VirtualDesktop &desktop);
     /// Lets go of whatever is still held.
     ~VirtualKeyboard();
     VirtualKeyboard(const VirtualKeyboard &) = delete;
@@ -38,14 +44,23 @@ public:
     /// The keys this object holds down, in the order of pressing.
     const QList<int> &held() const { return m_held; }
 
-private:
     struct Stroke {
         int code;
         bool isPress;
     };
-    bool fake(const QList<Stroke> &strokes);
+    /// What the hands lie on.
+    class Keys {
+    public:
+        virtual ~Keys() = default;
+        /// All in one go: a key must not begin to repeat because this process has to wait for its
+        /// turn.
+        virtual bool strike(const QList<Stroke> &strokes) = 0;
+    };
 
-    XConnection m_x;
+private:
+    bool strike(const QList<Stroke> &strokes);
+
+    std::unique_ptr<Keys> m_keys;
     QList<int> m_held;
 };
 

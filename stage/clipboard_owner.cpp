@@ -1,22 +1,17 @@
 // Owns the clipboard of DISPLAY with the flavours it is given, properly or as badly as it is told.
 
+#include "stage/Flavours.h"
 #include "stage/JsonLines.h"
 #include "stage/XConnection.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
-#include <QFile>
 
 #include <algorithm>
-#include <cstdio>
 
 using namespace Qt::StringLiterals;
 
 namespace {
-
-struct Flavour {
-    QByteArray name, type, data;
-};
 
 enum class Manners { Normal, NeverAnswers, AnswersTargetsOnly, NeverRefuses, DiesMidTransfer };
 
@@ -213,23 +208,6 @@ private:
     QList<Transfer> m_transfers;
 };
 
-// 'text/html=@file', 'text/plain;charset=utf-8=some text', 'TEXT>UTF8_STRING=some text'
-std::optional<Flavour> parseFlavour(const QString &argument) {
-    const qsizetype at = argument.lastIndexOf(u"=@"_s);
-    const qsizetype split = at >= 0 ? at : argument.lastIndexOf(u'=');
-    if (split < 1)
-        return std::nullopt;
-    const QByteArrayList names = argument.first(split).toLatin1().split('>');
-    Flavour flavour{names.first(), names.last(), argument.sliced(split + 1).toUtf8()};
-    if (at < 0)
-        return flavour;
-    QFile file(argument.sliced(split + 2));
-    if (!file.open(QIODevice::ReadOnly))
-        return std::nullopt;
-    flavour.data = file.readAll();
-    return flavour;
-}
-
 } // namespace
 
 int main(int argc, char **argv) {
@@ -242,19 +220,13 @@ int main(int argc, char **argv) {
                        {u"slow"_s, u"send in small chunks"_s, u"bytes per second"_s, u"0"_s},
                        {u"die-mid-transfer"_s, u"exit after the first chunk"_s}});
     parser.process(application);
-    QList<Flavour> flavours;
-    for (const QString &argument : parser.values(u"flavour"_s)) {
-        const auto flavour = parseFlavour(argument);
-        if (!flavour) {
-            std::fprintf(stderr, "clipboard_owner: cannot use %s\n", qPrintable(argument));
-            return 2;
-        }
-        flavours.append(*flavour);
-    }
+    const auto flavours = parseFlavours(parser.values(u"flavour"_s));
+    if (!flavours)
+        return 2;
     const Manners manners = parser.isSet(u"never-answer"_s)       ? Manners::NeverAnswers
                             : parser.isSet(u"targets-only"_s)     ? Manners::AnswersTargetsOnly
                             : parser.isSet(u"never-refuse"_s)     ? Manners::NeverRefuses
                             : parser.isSet(u"die-mid-transfer"_s) ? Manners::DiesMidTransfer
                                                                   : Manners::Normal;
-    return Owner(flavours, manners, parser.value(u"slow"_s).toLongLong()).run();
+    return Owner(*flavours, manners, parser.value(u"slow"_s).toLongLong()).run();
 }

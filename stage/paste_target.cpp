@@ -169,6 +169,8 @@ public:
 
     void setWindowClass(const QString &name) {
         const auto *x11 = qApp->nativeInterface<QNativeInterface::QX11Application>();
+        if (!x11) // Wayland's word for it
+            return QGuiApplication::setDesktopFileName(name);
         QByteArray value = name.toLatin1() + '\0' + name.first(1).toUpper().toLatin1() +
                            name.sliced(1).toLatin1() + '\0';
         xcb_change_property(x11->connection(), XCB_PROP_MODE_REPLACE,

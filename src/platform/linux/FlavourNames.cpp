@@ -150,3 +150,11 @@ PasteboardItem FlavourNames::representations(PasteboardType type, const QByteArr
     }
     return item;
 }
+
+ClipboardContents FlavourNames::contents(qint64 changeCount,
+                                         const std::optional<PasteboardItem> &item) {
+    if (!item)
+        return {changeCount, {}, {}, {}};
+    return {changeCount, text(*item, PasteboardType::String), text(*item, PasteboardType::Html),
+            QList<PasteboardItem>{*item}};
+}

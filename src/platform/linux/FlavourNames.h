@@ -22,4 +22,7 @@ QString decodedText(const PasteboardRepresentation &representation, PasteboardTy
 /// The representations under which data of `type` is offered, text in UTF-8.
 PasteboardItem representations(PasteboardType type, const QByteArray &data);
 
+/// A clipboard of one item, with its texts decoded; nothing: one without an owner that answers.
+ClipboardContents contents(qint64 changeCount, const std::optional<PasteboardItem> &item);
+
 } // namespace FlavourNames

@@ -15,6 +15,10 @@
 #include "platform/qt/QtUrlSession.h"
 #include "platform/qt/SettingsFile.h"
 #include "platform/x11/X11Backends.h"
+#ifdef BRINDLE_WAYLAND
+#include "platform/wayland/CompositorHotkeys.h"
+#include "platform/wayland/WaylandBackends.h"
+#endif
 
 namespace {
 
@@ -26,33 +30,81 @@ std::function<std::shared_ptr<Port>(const QString &)> unavailable() {
 
 /// All that tells whether typing is safe, as far as this desktop has it.
 std::shared_ptr<SecureInput> makeSecureInput(const std::shared_ptr<Dispatch> &dispatch,
-                                             X11Backends &x11) {
+                                             std::shared_ptr<SecureInput> keyboardGrab) {
     std::vector<std::shared_ptr<SecureInput>> looks;
-    if (const auto grab = x11.keyboardGrab())
-        looks.push_back(*grab);
+    if (keyboardGrab)
+        looks.push_back(std::move(keyboardGrab));
     looks.push_back(std::make_shared<AccessiblePasswordField>(dispatch));
     looks.push_back(std::make_shared<SessionLock>());
     return std::make_shared<SecureInputs>(dispatch, std::move(looks));
 }
 
 /// The capabilities that differ from desktop to desktop, each with its candidates in order.
-void choose(Platform &platform, X11Backends &x11) {
-    platform.hotkeys = chooseFirst<Hotkeys>(
-        QStringLiteral("hotkeys"), {{QStringLiteral("X11 grabs"), [&] { return x11.hotkeys(); }}},
-        unavailable<UnavailableHotkeys, Hotkeys>(), platform.choices);
-    platform.pasteKeys = chooseFirst<PasteKeys>(
-        QStringLiteral("paste keys"), {{QStringLiteral("XTEST"), [&] { return x11.pasteKeys(); }}},
-        unavailable<UnavailablePasteKeys, PasteKeys>(), platform.choices);
+struct Candidates {
+    std::vector<Candidate<Pasteboard>> pasteboard;
+    std::vector<Candidate<Hotkeys>> hotkeys;
+    std::vector<Candidate<PasteKeys>> pasteKeys;
+    std::vector<Candidate<FrontWindow>> frontWindow;
+    /// What stands for hotkeys when there are none.
+    std::function<std::shared_ptr<Hotkeys>(const QString &)> noHotkeys;
+};
+
+void choose(Platform &platform, const Candidates &candidates) {
+    platform.hotkeys = chooseFirst<Hotkeys>(QStringLiteral("hotkeys"), candidates.hotkeys,
+                                            candidates.noHotkeys, platform.choices);
+    platform.pasteKeys =
+        chooseFirst<PasteKeys>(QStringLiteral("paste keys"), candidates.pasteKeys,
+                               unavailable<UnavailablePasteKeys, PasteKeys>(), platform.choices);
     platform.frontWindow = chooseFirst<FrontWindow>(
-        QStringLiteral("front window"),
-        {{QStringLiteral("X11 focus"), [&] { return x11.frontWindow(); }}},
+        QStringLiteral("front window"), candidates.frontWindow,
         [](const QString &) { return std::make_shared<UnavailableFrontWindow>(); },
         platform.choices);
     // Last, since it connects while the others are made.
-    platform.pasteboard = chooseFirst<Pasteboard>(
-        QStringLiteral("clipboard"),
-        {{QStringLiteral("X11 selection"), [&] { return x11.pasteboard(); }}},
-        unavailable<UnavailablePasteboard, Pasteboard>(), platform.choices);
+    platform.pasteboard =
+        chooseFirst<Pasteboard>(QStringLiteral("clipboard"), candidates.pasteboard,
+                                unavailable<UnavailablePasteboard, Pasteboard>(), platform.choices);
+}
+
+void useX11(Platform &platform) {
+    X11Backends x11(platform.dispatch);
+    choose(platform,
+           {.pasteboard = {{QStringLiteral("X11 selection"), [&] { return x11.pasteboard(); }}},
+            .hotkeys = {{QStringLiteral("X11 grabs"), [&] { return x11.hotkeys(); }}},
+            .pasteKeys = {{QStringLiteral("XTEST"), [&] { return x11.pasteKeys(); }}},
+            .frontWindow = {{QStringLiteral("X11 focus"), [&] { return x11.frontWindow(); }}},
+            .noHotkeys = unavailable<UnavailableHotkeys, Hotkeys>()});
+    const auto grab = x11.keyboardGrab();
+    platform.secureInput = makeSecureInput(platform.dispatch, grab ? *grab : nullptr);
+    platform.trayHost = std::make_shared<StatusNotifierTrayHost>(x11.connection());
+}
+
+#ifdef BRINDLE_WAYLAND
+/// X11 is left alone: its grabs and fake keys reach no native window, and a connection would start
+/// XWayland for nothing.
+void useWayland(Platform &platform, WaylandBackends &wayland) {
+    choose(platform,
+           {.pasteboard = {{QStringLiteral("data-control"), [&] { return wayland.dataControl(); }}},
+            .hotkeys = {{QStringLiteral("sway IPC"), [&] { return wayland.sway(); }}},
+            .pasteKeys = {{QStringLiteral("virtual keyboard"),
+                           [&] { return wayland.virtualKeyboard(); }}},
+            .frontWindow = {{QStringLiteral("foreign toplevel"),
+                             [&] { return wayland.foreignToplevel(); }}},
+            .noHotkeys = unavailable<CompositorHotkeys, Hotkeys>()});
+    platform.secureInput = makeSecureInput(platform.dispatch, nullptr);
+    platform.trayHost = std::make_shared<StatusNotifierTrayHost>(nullptr);
+}
+#endif
+
+/// The session is a Wayland compositor's if one answers, else an X server's.
+void useSession(Platform &platform) {
+#ifdef BRINDLE_WAYLAND
+    WaylandBackends wayland(platform.dispatch);
+    if (wayland.isSession()) {
+        useWayland(platform, wayland);
+        return;
+    }
+#endif
+    useX11(platform);
 }
 
 } // namespace
@@ -60,16 +112,13 @@ void choose(Platform &platform, X11Backends &x11) {
 Platform makeLinuxPlatform() {
     Platform platform;
     platform.dispatch = std::make_shared<QtDispatch>();
-    X11Backends x11(platform.dispatch);
-    choose(platform, x11);
-    platform.secureInput = makeSecureInput(platform.dispatch, x11);
+    useSession(platform);
     platform.childProcess = std::make_shared<QtChildProcess>();
     platform.notifications = std::make_shared<DBusNotifications>();
     platform.defaults = std::make_shared<SettingsFile>();
     platform.secretStore = std::make_shared<SecretServiceStore>(platform.dispatch);
     platform.alerts = std::make_shared<QtAlerts>();
     platform.workspace = std::make_shared<DesktopWorkspace>();
-    platform.trayHost = std::make_shared<StatusNotifierTrayHost>(x11.connection());
     platform.urlSession = std::make_shared<QtUrlSession>();
     platform.loginItems = std::make_shared<AutostartEntry>();
     return platform;

@@ -19,6 +19,7 @@ struct ThreadedPasteboard::Shared {
     std::function<void()> changed;     ///< the main thread's
     std::mutex mutex;                  ///< guards what follows
     PasteboardUse use;
+    QString trouble; ///< why the server serves no longer
     bool newsIsPosted = false;
 };
 
@@ -31,6 +32,8 @@ ThreadedPasteboard::ThreadedPasteboard(std::shared_ptr<Dispatch> dispatch, MakeS
               {
                   const std::scoped_lock lock(shared->mutex);
                   shared->use = use;
+                  if (shared->server)
+                      shared->trouble = shared->server->problem();
                   if (std::exchange(shared->newsIsPosted, true))
                       return;
               }
@@ -57,6 +60,11 @@ QString ThreadedPasteboard::problem(std::chrono::milliseconds limit) {
     if (m_problem.wait_for(limit) != std::future_status::ready)
         return QStringLiteral("it did not answer within %1 ms").arg(limit.count());
     return m_problem.get();
+}
+
+QString ThreadedPasteboard::unavailableBecause() const {
+    const std::scoped_lock lock(m_shared->mutex);
+    return m_shared->trouble;
 }
 
 void ThreadedPasteboard::read(Read done) {

@@ -9,7 +9,8 @@
 /// one of our own windows, and makes the main thread wait, is answered all the same.
 class ThreadedPasteboard : public Pasteboard {
 public:
-    /// What the server calls, on its thread, whenever others have fetched or taken what we own.
+    /// What the server calls, on its thread, whenever others have fetched or taken what we own,
+    /// and when it can serve no longer.
     using News = std::function<void(const PasteboardUse &)>;
     using MakeServer = std::function<std::unique_ptr<ClipboardServer>(int interrupt, News news)>;
 
@@ -19,6 +20,7 @@ public:
     /// Waits until the server has reached its desktop, `limit` at most; then why it could not.
     QString problem(std::chrono::milliseconds limit);
 
+    QString unavailableBecause() const override;
     void read(Read done) override;
     void write(const QList<std::pair<PasteboardType, QByteArray>> &flavours,
                std::optional<qint64> ifCountIs, Written done) override;

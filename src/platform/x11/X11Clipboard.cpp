@@ -7,13 +7,6 @@ namespace {
 /// How often a clipboard is read anew that changes while it is read.
 constexpr int mostReads = 3;
 
-ClipboardContents contentsOf(qint64 changeCount, const std::optional<PasteboardItem> &item) {
-    if (!item)
-        return {changeCount, {}, {}, {}};
-    return {changeCount, FlavourNames::text(*item, PasteboardType::String),
-            FlavourNames::text(*item, PasteboardType::Html), QList<PasteboardItem>{*item}};
-}
-
 } // namespace
 
 X11Clipboard::X11Clipboard(int interrupt, ThreadedPasteboard::News news) : m_x11(interrupt) {
@@ -50,22 +43,9 @@ void X11Clipboard::serve(const pollfd *) {
 void X11Clipboard::ownerChanged(const xcb_xfixes_selection_notify_event_t &event) {
     if (m_owner->isOwnClaim(event))
         return;
-    ++m_changeCount;
+    m_count.changedByOthers();
     m_owner->lost();
     m_reader->ownerChanged();
-}
-
-/// Decides by the text that is on the clipboard now whether foreign changes since our last write
-/// count: a clipboard manager that took over what we wrote has changed nothing. One look decides,
-/// and the next foreign change counts again.
-void X11Clipboard::settleCount(const std::optional<QString> &text) {
-    if (text && text->toUtf8() == m_written)
-        m_changeCount = *m_writtenCount;
-    m_writtenCount.reset();
-}
-
-bool X11Clipboard::isCountOpen() const {
-    return m_writtenCount && m_changeCount != *m_writtenCount;
 }
 
 ClipboardContents X11Clipboard::read() {
@@ -75,20 +55,18 @@ ClipboardContents X11Clipboard::read() {
     if (m_owner->isOwner())
         m_x11.sync();
     if (m_owner->isOwner())
-        return contentsOf(m_changeCount, m_owner->contents());
+        return FlavourNames::contents(m_count.value(), m_owner->contents());
     for (int times = 1;; ++times) {
-        const qint64 count = m_changeCount;
+        const qint64 count = m_count.value();
         const auto reading = m_reader->read(
             [](const QByteArray &name) { return FlavourNames::typeOf(name).has_value(); });
         // Half of one owner's and half of the next one's is what nobody copied.
-        if (count != m_changeCount && times < mostReads)
+        if (count != m_count.value() && times < mostReads)
             continue;
-        auto contents =
-            contentsOf(count, reading.offered ? std::optional(reading.given) : std::nullopt);
-        if (isCountOpen()) {
-            settleCount(contents.text);
-            contents.changeCount = m_changeCount;
-        }
+        auto contents = FlavourNames::contents(count, reading.offered ? std::optional(reading.given)
+                                                                      : std::nullopt);
+        m_count.settle([&] { return contents.text; });
+        contents.changeCount = m_count.value();
         return contents;
     }
 }
@@ -99,21 +77,21 @@ std::optional<PasteboardWrite> X11Clipboard::own(const PasteboardItem &contents,
         return std::nullopt;
     // A claim by somebody else that we have not heard of by then is later than ours, and wins.
     const xcb_timestamp_t time = m_x11.freshTimestamp();
-    if (ifCountIs && isCountOpen()) {
-        const auto reading = m_reader->read([](const QByteArray &name) {
-            return FlavourNames::typeOf(name) == PasteboardType::String;
+    if (ifCountIs) {
+        m_count.settle([this] {
+            const auto reading = m_reader->read([](const QByteArray &name) {
+                return FlavourNames::typeOf(name) == PasteboardType::String;
+            });
+            return FlavourNames::text(reading.given, PasteboardType::String);
         });
-        settleCount(FlavourNames::text(reading.given, PasteboardType::String));
     }
-    if (ifCountIs && m_changeCount != *ifCountIs)
+    if (ifCountIs && m_count.value() != *ifCountIs)
         return std::nullopt;
     if (!m_owner->own(contents, time)) {
-        m_writtenCount.reset();
+        m_count.failedToChange();
         return std::nullopt;
     }
-    m_written = FlavourNames::text(contents, PasteboardType::String).value_or(QString()).toUtf8();
-    m_writtenCount = ++m_changeCount;
-    return PasteboardWrite{m_changeCount, Dispatch::Clock::now()};
+    return PasteboardWrite{m_count.changedByUs(contents), Dispatch::Clock::now()};
 }
 
 bool X11Clipboard::holdsOurs() {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/linux/ChangeCount.h"
 #include "platform/linux/ThreadedPasteboard.h"
 #include "platform/x11/X11SelectionOwner.h"
 #include "platform/x11/X11SelectionReader.h"
@@ -23,13 +24,9 @@ public:
 
 private:
     void ownerChanged(const xcb_xfixes_selection_notify_event_t &event);
-    void settleCount(const std::optional<QString> &text);
-    bool isCountOpen() const;
 
     X11Connection m_x11;
     std::unique_ptr<X11SelectionOwner> m_owner;
     std::unique_ptr<X11SelectionReader> m_reader;
-    qint64 m_changeCount = 0;
-    QByteArray m_written;                 ///< the plain text of our last write
-    std::optional<qint64> m_writtenCount; ///< the count it had, until a foreign change is certain
+    ChangeCount m_count;
 };
