@@ -138,7 +138,8 @@ private Q_SLOTS:
         timer.start();
         end(site);
         QVERIFY(waitFor([&] { return site.brindle->state() == QProcess::NotRunning; }, 30000));
-        QCOMPARE(site.brindle->exitStatus(), QProcess::NormalExit);
+        QVERIFY2(site.brindle->exitStatus() == QProcess::NormalExit,
+                 qPrintable(QString("ended by signal %1").arg(site.brindle->exitCode())));
         QCOMPARE(site.brindle->exitCode(), 0);
         QVERIFY2(timer.elapsed() < longestEnd, qPrintable(QString::number(timer.elapsed())));
         qInfo("ended after %lld ms", timer.elapsed());
