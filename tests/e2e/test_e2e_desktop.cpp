@@ -73,7 +73,7 @@ private Q_SLOTS:
         QCOMPARE(area.menu(),
                  (QStringList{"Enrich & Paste (⌥⌘J)", "Enrich Clipboard Only", "-", "Preferences…",
                               "View Logs…", "-", "About Brindle", "Check for Updates…", "Quit"}));
-        const ClipboardOwner owner(scene.desktop, copied(record));
+        const ClipboardOwner owner(scene.desktop, scene.copied(record));
         QVERIFY(area.choose("Enrich Clipboard Only"));
         QVERIFY(scene.shown.waitForAccepted(1));
         QCOMPARE(scene.shown.notifications()[0].body, "Clipboard: " + recordLink);
@@ -163,7 +163,7 @@ private Q_SLOTS:
         scene.start();
         QVERIFY(scene.isUp());
         QVERIFY(scene.openTarget());
-        const ClipboardOwner owner(scene.desktop, copied(record));
+        const ClipboardOwner owner(scene.desktop, scene.copied(record));
         std::atomic<bool> isThere = false;
         auto saved = std::async(std::launch::async,
                                 [&] { return handedOver(scene.desktop.display(), isThere); });

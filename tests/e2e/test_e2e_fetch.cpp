@@ -31,7 +31,7 @@ private Q_SLOTS:
                         {"displayTemplate",
                          "{key} - {TYPE} - {summary}<c> {commenter-name}: {commenttext}</c>"}});
             QVERIFY(scene.isReady());
-            const ClipboardOwner owner(scene.desktop, ::copied(copied));
+            const ClipboardOwner owner(scene.desktop, scene.copied(copied));
             scene.press();
             const auto paste = scene.target->waitForPaste();
             QVERIFY(paste);
@@ -58,7 +58,7 @@ private Q_SLOTS:
     void failuresAreToldAndChangeNothing() {
         Site scene;
         QVERIFY(scene.isReady());
-        const ClipboardOwner owner(scene.desktop, copied(issue));
+        const ClipboardOwner owner(scene.desktop, scene.copied(issue));
         using Manner = GatewayReply::Manner;
         const QList<std::tuple<QString, GatewayReply, QString>> cases{
             {"/_edge/tenant_info",
@@ -89,7 +89,7 @@ private Q_SLOTS:
         const auto keyring = static_cast<pid_t>(
             scene.desktop.bus().interface()->servicePid("org.freedesktop.secrets").value());
         {
-            const ClipboardOwner owner(scene.desktop, copied(issue));
+            const ClipboardOwner owner(scene.desktop, scene.copied(issue));
             QCOMPARE(kill(keyring, SIGSTOP), 0);
             QVERIFY(scene.brindle->activate("enrich"));
             QVERIFY(scene.brindle->activate("none"));
@@ -98,7 +98,7 @@ private Q_SLOTS:
             QVERIFY(scene.target->waitForPaste());
         }
         const qsizetype requests = scene.gateway.requests.size();
-        const ClipboardOwner owner(scene.desktop, copied(issue));
+        const ClipboardOwner owner(scene.desktop, scene.copied(issue));
         QVERIFY(lockKeyring(scene.desktop)); // and nobody unlocks it
         QTRY_VERIFY_WITH_TIMEOUT((scene.press(), scene.shown.waitForAccepted(1, 3000)),
                                  15000); // the paste ends first
