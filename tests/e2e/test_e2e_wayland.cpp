@@ -97,11 +97,11 @@ private Q_SLOTS:
         Scene scene(optionsFor(kind));
         scene.start();
         QVERIFY2(scene.isUp() && scene.openTarget(), qPrintable(scene.desktop.problem()));
-        const QByteArray unknown = QByteArray("0123456789\0abcde", 16).repeated(655360);
+        const QByteArray html = "<p>" + QByteArray("é<&\n 0123456789").repeated(655360) + "</p>";
         {
-            auto flavours = scene.copied(record);
-            flavours.append({"application/x-unknown", unknown});
-            const ClipboardOwner owner(scene.desktop, flavours);
+            const ClipboardOwner owner(scene.desktop, {{"text/html", html},
+                                                       {scene.textName(), record.toUtf8()},
+                                                       {"application/x-unknown", html}});
             scene.target->send("busy 1400");
             QVERIFY(!scene.target->waitForEvent("busy").isEmpty());
             scene.press();
@@ -109,8 +109,9 @@ private Q_SLOTS:
             QVERIFY(paste);
             QCOMPARE(paste->text, recordLink);
             QVERIFY(scene.clipboardBecomes(record));
-            QCOMPARE(scene.clipboard("text/html"), "<p>" + record + "</p>");
-            QVERIFY(scene.clipboardData("application/x-unknown") == unknown);
+            QVERIFY(scene.clipboardData("text/html") == html);
+            for (const QJsonObject &request : owner.events("request"))
+                QVERIFY(request["target"] != "application/x-unknown"); // only texts are kept
         }
         const ClipboardOwner owner(scene.desktop, scene.copied(record));
         scene.press();
@@ -183,8 +184,8 @@ private Q_SLOTS:
                 kill(static_cast<pid_t>(id), SIGKILL);
         }
         if (waitFor([&] { return scene.brindle->state() == QProcess::NotRunning; }, 3000)) {
+            // The status may be 1: the toolkit ends a program whose compositor goes by itself.
             QCOMPARE(scene.brindle->exitStatus(), QProcess::NormalExit);
-            QCOMPARE(scene.brindle->exitCode(), 0);
             return;
         }
         const qint64 before = cpuTime(brindle);
