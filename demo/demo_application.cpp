@@ -5,38 +5,45 @@
 #include "app/Launch.h"
 #include "model/AppInfo.h"
 #include "platform/linux/LinuxPlatform.h"
+#include "platform/qt/TaskQueue.h"
 #include "stage/GatewayThread.h"
 #include "stage/JsonLines.h"
 #include "stage/RedirectedUrlSession.h"
 #include "storage/LogStore.h"
 
 #include <QApplication>
-#include <QMutex>
 
 namespace {
 
 /// A keyring that starts with the tokens of the sample site and ends with the program.
 class SampleKeyring : public SecretStore {
 public:
-    bool add(const QString &service, const QString &account, const QByteArray &secret) override {
-        const QMutexLocker lock(&m_mutex);
+    void add(const QString &service, const QString &account, const QByteArray &secret,
+             std::function<void(Outcome)> done) override {
         m_secrets[{service, account}] = secret;
-        return true;
+        m_answers.post([done = std::move(done)] { done(Outcome::Done); });
     }
 
-    std::optional<QByteArray> copy(const QString &service, const QString &account) override {
-        const QMutexLocker lock(&m_mutex);
+    void copy(const QString &service, const QString &account,
+              std::function<void(const Answer &)> done, std::function<void()>) override {
         const auto found = m_secrets.constFind({service, account});
-        return found == m_secrets.cend() ? std::nullopt : std::optional(*found);
+        const Answer answer =
+            found == m_secrets.cend() ? Answer{Outcome::Absent, {}} : Answer{Outcome::Done, *found};
+        m_answers.post([done = std::move(done), answer] { done(answer); });
     }
 
-    void remove(const QString &service, const QString &account) override {
-        const QMutexLocker lock(&m_mutex);
-        m_secrets.remove({service, account});
+    void remove(const QString &service, const QString &account,
+                std::function<void(Outcome)> done) override {
+        const bool wasThere = m_secrets.remove({service, account});
+        m_answers.post([done = std::move(done), wasThere] {
+            done(wasThere ? Outcome::Done : Outcome::Absent);
+        });
     }
+
+    void cancelAll() override {}
 
 private:
-    QMutex m_mutex;
+    TaskQueue m_answers;
     QHash<std::pair<QString, QString>, QByteArray> m_secrets{
         {{AppInfo::bundleIdentifier(), AppInfo::keychainAccount()}, "sample-jira-token"},
         {{AppInfo::bundleIdentifier(), AppInfo::keychainAccountConfluence()},

@@ -31,6 +31,7 @@ public:
         completion(response);
         return 0;
     }
+    void cancelAll() override {}
     void cancel(TaskId) override { require(false, "an answered request is not cancelled"); }
     void warmUp() override {}
     void prepareConnection(const QUrl &) override {}
@@ -76,9 +77,13 @@ void checkJira(const JiraClient::FetchResult &result) {
             "a commenter's first name is one word");
 }
 
+SiteAccess access() {
+    return {site, Settings::shared().cloudId(), email, token};
+}
+
 void fetchIssue() {
     int completions = 0;
-    JiraClient::fetchSummary(u"ABC-1"_s, u"10044"_s, site, email, token,
+    JiraClient::fetchSummary(u"ABC-1"_s, u"10044"_s, access(),
                              [&](const JiraClient::FetchResult &result) {
                                  ++completions;
                                  checkJira(result);
@@ -88,7 +93,7 @@ void fetchIssue() {
 
 void fetchPage() {
     int completions = 0;
-    ConfluenceClient::fetchPage(u"12"_s, site, email, token,
+    ConfluenceClient::fetchPage(u"12"_s, access(),
                                 [&](const ConfluenceClient::ConfluenceFetchResult &result) {
                                     ++completions;
                                     require(result.title.has_value() != result.error.has_value(),

@@ -25,8 +25,8 @@ DesktopHome::DesktopHome() {
     m_environment.insert(u"LANG"_s, u"C.UTF-8"_s);
     m_environment.insert(u"NO_AT_BRIDGE"_s, u"1"_s);
     // What concerns how programs run, not where, stays as the developer has it.
-    for (const char *name : {"PATH", "LD_LIBRARY_PATH", "QT_PLUGIN_PATH", "ASAN_OPTIONS",
-                             "LSAN_OPTIONS", "UBSAN_OPTIONS", "TSAN_OPTIONS"}) {
+    for (const char *name : {"PATH", "LD_LIBRARY_PATH", "QT_PLUGIN_PATH", "FONTCONFIG_FILE",
+                             "ASAN_OPTIONS", "LSAN_OPTIONS", "UBSAN_OPTIONS", "TSAN_OPTIONS"}) {
         if (qEnvironmentVariableIsSet(name))
             m_environment.insert(QString::fromLatin1(name), qEnvironmentVariable(name));
     }

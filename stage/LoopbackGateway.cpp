@@ -100,6 +100,7 @@ void LoopbackGateway::answer(QSslSocket *socket, const GatewayReply &reply) {
     QByteArray head = "HTTP/1.1 " + QByteArray::number(reply.status) + " X\r\n";
     head += "Content-Type: application/json\r\n";
     head += "Content-Length: " + QByteArray::number(isDrip ? 1000000 : reply.body.size()) + "\r\n";
+    head += reply.headers;
     if (!reply.location.isEmpty())
         head += "Location: " + reply.location + "\r\n";
     socket->write(head + "\r\n");

@@ -31,6 +31,7 @@ struct GatewayReply {
     int status = 200;
     QByteArray body = {};
     QByteArray location = {};
+    QByteArray headers = {}; ///< further lines of the head, each with its end
     Manner manner = Manner::Whole;
     int delay = 0; ///< ms before the answer
 };

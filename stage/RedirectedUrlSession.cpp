@@ -1,21 +1,25 @@
 #include "stage/RedirectedUrlSession.h"
 
+#include <QSslCertificate>
 #include <QSslConfiguration>
 
-RedirectedUrlSession::RedirectedUrlSession(quint16 port, const QString &certificate)
-    : m_port(port), m_certificates(QSslCertificate::fromPath(certificate)) {}
+namespace {
 
-QNetworkRequest RedirectedUrlSession::networkRequest(const UrlRequest &request) const {
-    QNetworkRequest network = QtUrlSession::networkRequest(request);
+void lead(QNetworkRequest &network, quint16 port, const QList<QSslCertificate> &trusted) {
     const QString host = network.url().host();
     QUrl url = network.url();
     url.setHost(QStringLiteral("127.0.0.1"));
-    url.setPort(m_port);
+    url.setPort(port);
     network.setUrl(url);
     network.setRawHeader("Host", host.toUtf8());
     network.setPeerVerifyName(host);
     QSslConfiguration configuration = network.sslConfiguration();
-    configuration.setCaCertificates(m_certificates);
+    configuration.setCaCertificates(trusted);
     network.setSslConfiguration(configuration);
-    return network;
 }
+
+} // namespace
+
+RedirectedUrlSession::RedirectedUrlSession(quint16 port, const QString &certificate)
+    : QtUrlSession([port, trusted = QSslCertificate::fromPath(certificate)](
+                       QNetworkRequest &request) { lead(request, port, trusted); }) {}

@@ -2,7 +2,6 @@
 
 #include "platform/qt/QtUrlSession.h"
 
-#include <QSslCertificate>
 #include <QString>
 
 /// The product's session, led to a LoopbackGateway: every host is looked for at its port, and its
@@ -10,11 +9,4 @@
 class RedirectedUrlSession : public QtUrlSession {
 public:
     RedirectedUrlSession(quint16 port, const QString &certificate);
-
-protected:
-    QNetworkRequest networkRequest(const UrlRequest &request) const override;
-
-private:
-    quint16 m_port;
-    QList<QSslCertificate> m_certificates;
 };

@@ -76,6 +76,22 @@ QImage StatusArea::picture() const {
     return largest;
 }
 
+QString StatusArea::toolTip() const {
+    const auto parts = property("ToolTip").value<QDBusArgument>();
+    if (parts.currentType() != QDBusArgument::StructureType)
+        return {};
+    QString icon, title, text;
+    parts.beginStructure();
+    parts >> icon;
+    parts.beginArray(); // its pictures
+    while (!parts.atEnd())
+        parts.asVariant();
+    parts.endArray();
+    parts >> title >> text;
+    parts.endStructure();
+    return title;
+}
+
 QList<StatusArea::Entry> StatusArea::entries() const {
     QList<Entry> found;
     const QString path = property("Menu").value<QDBusObjectPath>().path();
@@ -111,6 +127,15 @@ QStringList StatusArea::menu() const {
     for (const Entry &entry : entries())
         titles.append(entry.title);
     return titles;
+}
+
+bool StatusArea::click() const {
+    if (m_items.isEmpty())
+        return false;
+    QDBusMessage call = QDBusMessage::createMethodCall(m_items.constLast(), "/StatusNotifierItem",
+                                                       "org.kde.StatusNotifierItem", "Activate");
+    call.setArguments({0, 0});
+    return m_bus.call(call, QDBus::BlockWithGui, 15000).type() == QDBusMessage::ReplyMessage;
 }
 
 bool StatusArea::choose(const QString &title) const {

@@ -31,8 +31,12 @@ public:
     QVariant property(const QString &name) const;
     /// The largest picture of the first icon; null when there is none.
     QImage picture() const;
+    /// The title of its tooltip.
+    QString toolTip() const;
     /// The titles of its menu, "-" for a separator, with the marks of keys in them resolved.
     QStringList menu() const;
+    /// A click with the left button on the first icon; false when it takes none.
+    bool click() const;
     /// Chooses the entry with that title; false when there is none.
     bool choose(const QString &title) const;
 

@@ -52,6 +52,24 @@ bool isActive(const QString &display, const QString &title) {
     return !active.isEmpty() && active.first().title == title;
 }
 
+bool closeWindow(const QString &display, const QString &title) {
+    XConnection x(display);
+    for (const Window &window : windows(x)) {
+        if (window.title != title)
+            continue;
+        xcb_client_message_event_t message{};
+        message.response_type = XCB_CLIENT_MESSAGE;
+        message.format = 32;
+        message.window = window.id;
+        message.type = x.atom("_NET_CLOSE_WINDOW");
+        xcb_send_event(x.get(), 0, x.root(),
+                       XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
+                       reinterpret_cast<const char *>(&message));
+        return x.sync();
+    }
+    return false;
+}
+
 QRect windowPlace(const QString &display, const QString &title) {
     XConnection x(display);
     for (const Window &window : windows(x)) {

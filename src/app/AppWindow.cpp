@@ -1,18 +1,20 @@
 #include "app/AppWindow.h"
 
+#include "app/EditMenu.h"
+#include "app/FittedView.h"
 #include "model/AppInfo.h"
 
-#include <QApplication>
+#include <QLayout>
 #include <QMenuBar>
 #include <QScreen>
-#include <QVBoxLayout>
+
+#include <algorithm>
 
 AppWindow::AppWindow(const QString &title, QWidget *view, const MenuActions &actions) {
     setWindowTitle(title);
-    setWindowIcon(QIcon(QStringLiteral(":/icons/%1.png").arg(AppInfo::bundleIdentifier())));
     setCentralWidget(view);
     addApplicationMenu(actions);
-    addEditMenu();
+    menuBar()->addMenu(new EditMenu(this));
 }
 
 void AppWindow::addApplicationMenu(const MenuActions &actions) {
@@ -29,38 +31,9 @@ void AppWindow::addApplicationMenu(const MenuActions &actions) {
     connect(quit, &QAction::triggered, this, actions.quit);
 }
 
-void AppWindow::addEditMenu() {
-    struct Entry {
-        const char16_t *title; ///< null for a separator
-        const char16_t *shortcut;
-        const char *slot; ///< as every text widget names it
-    };
-    static constexpr Entry entries[] = {
-        {u"Undo", u"Ctrl+Z", "undo"},
-        {u"Redo", u"Ctrl+Shift+Z", "redo"},
-        {nullptr, nullptr, nullptr},
-        {u"Cut", u"Ctrl+X", "cut"},
-        {u"Copy", u"Ctrl+C", "copy"},
-        {u"Paste", u"Ctrl+V", "paste"},
-        {u"Select All", u"Ctrl+A", "selectAll"},
-    };
-    QMenu *menu = menuBar()->addMenu(QStringLiteral("Edit"));
-    for (const Entry &entry : entries) {
-        if (!entry.title) {
-            menu->addSeparator();
-            continue;
-        }
-        QAction *action = menu->addAction(QString::fromUtf16(entry.title));
-        action->setShortcut(QKeySequence(QString::fromUtf16(entry.shortcut)));
-        connect(action, &QAction::triggered, this, [slot = entry.slot] {
-            QWidget *focused = QApplication::focusWidget();
-            if (focused && focused->metaObject()->indexOfSlot(QByteArray(slot) + "()") >= 0)
-                QMetaObject::invokeMethod(focused, slot);
-        });
-    }
-}
-
 void AppWindow::fixSize() {
+    setCentralWidget(new FittedView(takeCentralWidget()));
+    menuBar()->raise(); // after the content, in the order in which assistive programs read
     layout()->setSizeConstraint(QLayout::SetFixedSize);
 }
 
@@ -68,8 +41,12 @@ void AppWindow::present() {
     if (!m_wasPlaced) {
         m_wasPlaced = true;
         adjustSize();
-        const QRect free = screen()->availableGeometry();
-        move(free.center() - rect().center());
+        const QRect room = FittedView::roomFor(*this);
+        const QPoint corner = room.center() - rect().center();
+        const QPoint frame = room.topLeft() - screen()->availableGeometry().topLeft();
+        // Where it is too large all the same, its title stays to be seen.
+        move(std::max(corner.x(), room.left()) - frame.x(),
+             std::max(corner.y(), room.top()) - frame.y());
     }
     setWindowState(windowState() & ~Qt::WindowMinimized);
     show();

@@ -19,7 +19,8 @@ public:
 
     AppWindow(const QString &title, QWidget *view, const MenuActions &actions);
 
-    /// Not resizable: the size is the view's.
+    /// Not resizable: the size is the one that the view asks for, or what of it the screen has room
+    /// for; the view is scrolled when it needs more.
     void fixSize();
 
     /// Shows the window in front of all others; the first time in the middle of the screen.
@@ -27,7 +28,6 @@ public:
 
 private:
     void addApplicationMenu(const MenuActions &actions);
-    void addEditMenu();
 
     bool m_wasPlaced = false;
 };

@@ -48,6 +48,8 @@ Application::Application()
                     {QStringLiteral("quit"), [] { QApplication::quit(); }},
                 }) {
     loadArt();
+    QApplication::setWindowIcon(
+        QIcon(QStringLiteral(":/icons/%1.png").arg(AppInfo::bundleIdentifier())));
 }
 
 // The order matters: no run begins any more, what is under way is called off and its threads have
@@ -89,15 +91,14 @@ void Application::askForMissingCredentials() {
         Notify::show(AppInfo::displayName(),
                      QStringLiteral("Set your Atlassian email + scoped API token in Preferences."));
     };
-    Dispatch &dispatch = *Platform::current().dispatch;
     if (Settings::shared().email().isEmpty()) {
-        dispatch.toMain(ask);
+        Platform::current().dispatch->toMain(ask);
         return;
     }
-    // A locked keyring keeps its caller waiting until the user has answered.
-    dispatch.toBackground([ask] {
-        if (!Keychain::loadToken())
-            Platform::current().dispatch->toMain(ask);
+    // A token that the user would not unlock is as good as none.
+    Keychain::loadToken(AppInfo::keychainAccount(), [ask](const Keychain::TokenAnswer &answer) {
+        if (answer.outcome != Keychain::Outcome::Done)
+            ask();
     });
 }
 

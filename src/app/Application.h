@@ -15,9 +15,9 @@ public:
     Application();
     ~Application() override;
 
-    /// Whether this is the only instance. If not, the other one has been told to show itself, and
-    /// this one is to end.
-    bool isOnlyInstance() { return m_service.claim(); }
+    /// Whether this is the only instance. If not, the other one was told to show itself, and this
+    /// one is to end.
+    ApplicationService::Claim claim() { return m_service.claim(); }
 
     /// The launch sequence; the event loop is started by the caller.
     void finishLaunching();

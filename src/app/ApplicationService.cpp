@@ -19,20 +19,21 @@ ApplicationService::ApplicationService(std::function<void()> activate,
                                        QHash<QString, std::function<void()>> actions)
     : m_activate(std::move(activate)), m_actions(std::move(actions)) {}
 
-bool ApplicationService::claim() {
+ApplicationService::Claim ApplicationService::claim() {
     QDBusConnection bus = QDBusConnection::sessionBus();
     if (!bus.isConnected())
-        return true;
+        return Claim::Taken;
     // The object first: who sees the name may call it at once.
     bus.registerObject(objectPath(), this, QDBusConnection::ExportAllSlots);
     if (bus.registerService(AppInfo::bundleIdentifier()))
-        return true;
+        return Claim::Taken;
     QDBusMessage activate = QDBusMessage::createMethodCall(
         AppInfo::bundleIdentifier(), objectPath(), QStringLiteral("org.freedesktop.Application"),
         QStringLiteral("Activate"));
     activate << QVariantMap();
-    bus.call(activate);
-    return false;
+    constexpr int longestWait = 2000; // ms
+    const QDBusMessage reply = bus.call(activate, QDBus::Block, longestWait);
+    return reply.type() == QDBusMessage::ReplyMessage ? Claim::HandedOver : Claim::NoAnswer;
 }
 
 void ApplicationService::Activate(const QVariantMap &) {

@@ -20,9 +20,15 @@ public:
     ApplicationService(std::function<void()> activate,
                        QHash<QString, std::function<void()>> actions);
 
-    /// Takes the well-known name. False when another instance has it, which then has been
-    /// activated. True also where there is no bus: everything else works without.
-    bool claim();
+    /// What came of the wish to be the only instance.
+    enum class Claim {
+        Taken,      ///< this is the one; also where there is no bus, as all else works without
+        HandedOver, ///< another one is, and has been activated
+        NoAnswer,   ///< another one is, and does not answer within two seconds
+    };
+
+    /// Takes the well-known name.
+    Claim claim();
 
 public Q_SLOTS:
     void Activate(const QVariantMap &platformData);

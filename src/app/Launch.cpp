@@ -7,6 +7,7 @@
 #include <QApplication>
 #include <QSessionManager>
 
+#include <cstdio>
 #include <cstdlib>
 
 void nameApplication() {
@@ -43,9 +44,17 @@ int runBrindle(Platform platform) {
     int status = 0;
     {
         Application application;
-        if (application.isOnlyInstance()) {
+        switch (application.claim()) {
+        case ApplicationService::Claim::Taken:
             application.finishLaunching();
             status = QApplication::exec();
+            break;
+        case ApplicationService::Claim::HandedOver:
+            break;
+        case ApplicationService::Claim::NoAnswer:
+            std::fputs("brindle: the running Brindle does not answer\n", stderr);
+            status = EXIT_FAILURE;
+            break;
         }
     }
     // The ports use the event loop's objects and go before them.

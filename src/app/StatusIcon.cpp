@@ -1,10 +1,12 @@
 #include "app/StatusIcon.h"
 
+#include "app/NamedIcon.h"
 #include "model/AppInfo.h"
 
 #include <QImage>
 #include <QPainter>
 #include <QPainterPath>
+#include <QStandardPaths>
 
 namespace {
 
@@ -77,9 +79,8 @@ void drawBadge(QPainter &painter, const QSizeF &icon) {
         Qt::black);
 }
 
-/// Status areas here tint nothing, and we are not told whether they are light or dark. This grey
-/// stands out from both: its contrast is at least 3 to 1 against #f2f2f2 and 4 to 1 against
-/// #2b2b2b.
+/// Nobody tints a picture, and we are not told whether the panel is light or dark. This grey stands
+/// out from both: its contrast is at least 3 to 1 against #f2f2f2 and 4 to 1 against #2b2b2b.
 constexpr QRgb tint = qRgb(0x8a, 0x8a, 0x8a);
 
 QImage tinted(QImage mark) {
@@ -96,6 +97,18 @@ QPixmap faded(const QPixmap &pixmap) {
     painter.setOpacity(dimmedOpacity);
     painter.drawPixmap(0, 0, pixmap);
     return drawn;
+}
+
+/// The picture under the name of the symbolic icon for that state, which panels tint, where that
+/// is installed.
+QIcon withSymbolicName(const QIcon &picture, bool hasBadge, bool isDimmed) {
+    const QString name =
+        AppInfo::bundleIdentifier() + (hasBadge ? QStringLiteral("-aging") : QString()) +
+        (isDimmed ? QStringLiteral("-dimmed") : QString()) + QStringLiteral("-symbolic");
+    const QString file =
+        QStandardPaths::locate(QStandardPaths::GenericDataLocation,
+                               QStringLiteral("icons/hicolor/symbolic/apps/%1.svg").arg(name));
+    return file.isEmpty() ? picture : namedIcon(name, picture);
 }
 
 } // namespace
@@ -117,6 +130,8 @@ StatusIcon::Cache StatusIcon::build(bool tokenIsAging) {
         cache.plain.addPixmap(pixmap);
         cache.dimmed.addPixmap(faded(pixmap));
     }
+    cache.plain = withSymbolicName(cache.plain, cache.hasBadge, false);
+    cache.dimmed = withSymbolicName(cache.dimmed, cache.hasBadge, true);
     return cache;
 }
 

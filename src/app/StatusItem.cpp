@@ -2,6 +2,8 @@
 
 #include "platform/Platform.h"
 
+#include <QCursor>
+
 StatusItem::StatusItem(const Actions &actions) {
     m_enrichAndPaste = add({}, actions.enrichAndPaste);
     add(QStringLiteral("Enrich Clipboard Only"), actions.enrichOnly);
@@ -25,9 +27,9 @@ QAction *StatusItem::add(const QString &title, std::function<void()> action,
     return item;
 }
 
-void StatusItem::setHotkey(const QString &symbols) {
+void StatusItem::setHotkey(const QString &hotkey) {
     // Doubled, since a single one would mark a key of the menu.
-    m_enrichAndPaste->setText(QStringLiteral("Enrich && Paste (%1)").arg(symbols));
+    m_enrichAndPaste->setText(QStringLiteral("Enrich && Paste (%1)").arg(hotkey));
 }
 
 void StatusItem::refreshImage(bool tokenIsAging, bool isFetching) {
@@ -48,6 +50,12 @@ void StatusItem::followHost() {
         m_trayIcon = std::make_unique<QSystemTrayIcon>();
         show();
         m_trayIcon->setContextMenu(&m_menu);
+        // The toolkit opens it for the other button only.
+        connect(m_trayIcon.get(), &QSystemTrayIcon::activated, this,
+                [this](QSystemTrayIcon::ActivationReason reason) {
+                    if (reason == QSystemTrayIcon::Trigger)
+                        m_menu.popup(QCursor::pos());
+                });
         m_trayIcon->show();
     }
 }

@@ -29,8 +29,8 @@ public:
 
     explicit StatusItem(const Actions &actions);
 
-    /// Shows the primary hotkey, in symbols, in the menu.
-    void setHotkey(const QString &symbols);
+    /// Shows the primary hotkey, as the user reads it, in the menu.
+    void setHotkey(const QString &hotkey);
 
     /// Draws the icon, dimmed while `isFetching`, with a badge while the token is aging.
     void refreshImage(bool tokenIsAging, bool isFetching);

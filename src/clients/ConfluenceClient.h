@@ -1,5 +1,6 @@
 #pragma once
 
+#include "clients/CloudId.h"
 #include "model/ConfluenceRef.h"
 
 #include <QString>
@@ -26,8 +27,7 @@ struct ConfluenceFetchResult {
 /// Fetches the title of a page or blog post. Calls `completion` once, on the session's thread or,
 /// when no request could be sent, on the calling one. May block for a discovery; background threads
 /// only.
-void fetchPage(const QString &pageId, const QString &baseURL, const QString &email,
-               const QString &token,
+void fetchPage(const QString &pageId, const SiteAccess &site,
                const std::function<void(const ConfluenceFetchResult &)> &completion);
 
 /// `error` is a message for the user, present exactly when it is not ok.

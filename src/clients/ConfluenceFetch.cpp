@@ -1,7 +1,6 @@
 #include "clients/ConfluenceClient.h"
 
 #include "clients/Gateway.h"
-#include "clients/JiraClient.h"
 #include "model/Text.h"
 #include "storage/LogStore.h"
 
@@ -17,10 +16,9 @@ QString pagesPath(const QString &cloudId) {
 ConfluenceClient::ConfluenceFetchResult readPage(const UrlResponse &response,
                                                  const QString &pageId) {
     if (!response.httpStatus) {
-        if (response.transportError.isEmpty())
-            return {{}, u"No HTTP response"_s};
-        log(u"fetchPage: network error "_s + response.transportError);
-        return {{}, u"Network error: "_s + response.transportError};
+        if (!response.transportError.isEmpty())
+            log(u"fetchPage: network error "_s + LogStore::excerpt(response.transportError));
+        return {{}, Gateway::noResponse(response)};
     }
     const int status = *response.httpStatus;
     log(u"fetchPage: HTTP %1 for page/%2"_s.arg(QString::number(status), pageId));
@@ -38,10 +36,8 @@ ConfluenceClient::ConfluenceFetchResult readPage(const UrlResponse &response,
 }
 
 ConfluenceClient::ProbeResult readProbe(const UrlResponse &response) {
-    if (!response.httpStatus && response.transportError.isEmpty())
-        return {false, u"No HTTP response"_s};
     if (!response.httpStatus)
-        return {false, u"Network error: "_s + response.transportError};
+        return {false, Gateway::noResponse(response)};
     if (response.httpStatus == 200)
         return {true, {}};
     return {false,
@@ -52,9 +48,9 @@ ConfluenceClient::ProbeResult readProbe(const UrlResponse &response) {
 } // namespace
 
 void ConfluenceClient::fetchPage(
-    const QString &pageId, const QString &baseURL, const QString &email, const QString &token,
+    const QString &pageId, const SiteAccess &site,
     const std::function<void(const ConfluenceFetchResult &)> &completion) {
-    const auto cloudId = JiraClient::cachedOrDiscoveredCloudId(baseURL, token);
+    const auto cloudId = CloudId::cachedOrDiscovered(site);
     if (!cloudId.error.isEmpty()) {
         completion({{}, cloudId.error});
         return;
@@ -65,7 +61,7 @@ void ConfluenceClient::fetchPage(
         return;
     }
     log(u"fetchPage: GET confluence page/%1 via gateway"_s.arg(pageId));
-    Platform::current().urlSession->start(Gateway::authorizedRequest(*url, email, token),
+    Platform::current().urlSession->start(Gateway::authorizedRequest(*url, site.email, site.token),
                                           [pageId, completion](const UrlResponse &response) {
                                               completion(readPage(response, pageId));
                                           });

@@ -40,18 +40,6 @@ bool mayBeSpaceLink(QStringView text) {
            (text.indexOf(u"/pages/", space) >= 0 || text.indexOf(u"/blog/", space) >= 0);
 }
 
-/// `text` from its start to the end of the URL's authority, which alone decides the host; so what
-/// has no host or another one here has the same fault as a whole. Empty without an authority.
-QStringView upToAuthority(QStringView text) {
-    const qsizetype slashes = text.indexOf(u"//");
-    if (slashes < 0)
-        return {};
-    const auto end = std::find_if(text.begin() + slashes + 2, text.end(), [](QChar unit) {
-        return unit == u'/' || unit == u'?' || unit == u'#';
-    });
-    return {text.begin(), end};
-}
-
 bool isOnSite(QStringView text, const QString &baseURL) {
     const std::optional<QUrl> url = urlWithHost(upToAuthority(text).toString());
     if (!url)

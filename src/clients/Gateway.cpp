@@ -1,8 +1,10 @@
 #include "clients/Gateway.h"
 
-#include "clients/JiraClient.h"
-
 #include <QJsonDocument>
+
+QByteArray JiraClient::basicAuthHeader(const QString &email, const QString &token) {
+    return "Basic " + (email + u':' + token).toUtf8().toBase64();
+}
 
 QString Gateway::origin() {
     return QStringLiteral("https://api.atlassian.com");
@@ -10,7 +12,8 @@ QString Gateway::origin() {
 
 std::optional<QUrl> Gateway::url(const QString &text) {
     const QUrl url(text, QUrl::StrictMode);
-    return url.isValid() ? std::optional(url) : std::nullopt;
+    const bool isHttp = url.scheme() == u"https" || url.scheme() == u"http";
+    return url.isValid() && isHttp ? std::optional(url) : std::nullopt;
 }
 
 UrlRequest Gateway::anonymousRequest(const QUrl &url) {
@@ -21,6 +24,12 @@ UrlRequest Gateway::authorizedRequest(const QUrl &url, const QString &email, con
     UrlRequest request = anonymousRequest(url);
     request.headers.append({"Authorization", JiraClient::basicAuthHeader(email, token)});
     return request;
+}
+
+QString Gateway::noResponse(const UrlResponse &response) {
+    return response.transportError.isEmpty()
+               ? QStringLiteral("No HTTP response")
+               : QStringLiteral("Network error: ") + response.transportError;
 }
 
 std::optional<QJsonObject> Gateway::jsonObject(const QByteArray &body) {

@@ -9,6 +9,13 @@
 #include <memory>
 #include <optional>
 
+namespace JiraClient {
+
+/// The value of the Authorization header.
+QByteArray basicAuthHeader(const QString &email, const QString &token);
+
+} // namespace JiraClient
+
 /// What every request to the site and through the Atlassian API gateway has in common. Any thread.
 namespace Gateway {
 
@@ -18,12 +25,15 @@ constexpr std::chrono::seconds longestWait{15};
 /// The gateway's origin.
 QString origin();
 
-/// `text` as a URL, read strictly; nothing if it is none.
+/// `text` as a URL, read strictly; nothing if it is none, or none that is asked over HTTP.
 std::optional<QUrl> url(const QString &text);
 
 /// A request that asks for JSON, without and with the user's credentials.
 UrlRequest anonymousRequest(const QUrl &url);
 UrlRequest authorizedRequest(const QUrl &url, const QString &email, const QString &token);
+
+/// Why there is no HTTP response, for the user.
+QString noResponse(const UrlResponse &response);
 
 /// A body as a JSON object; nothing if it is anything else.
 std::optional<QJsonObject> jsonObject(const QByteArray &body);

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "clients/CloudId.h"
 #include "model/JiraRef.h"
 
-#include <QByteArray>
 #include <QJsonValue>
 #include <QString>
 #include <QStringView>
@@ -19,38 +19,9 @@ namespace JiraClient {
 /// Pure and linear in the length of the text; usable from any thread.
 std::optional<JiraRef> extractRef(QStringView from, const QString &baseURL);
 
-/// A site that the gateway knows.
-struct AccessibleResource {
-    QString cloudId;
-    QString siteUrl;  ///< without "/" at its ends; empty from a probe
-    QString siteName; ///< its host; empty from a probe
-};
-
-/// Either a resource or an error for the user, and the HTTP status when there was a response.
-struct DiscoverResult {
-    std::optional<AccessibleResource> resource;
-    std::optional<QString> error;
-    std::optional<int> httpStatus;
-};
-
-/// The value of the Authorization header.
-QByteArray basicAuthHeader(const QString &email, const QString &token);
-
-/// Asks the site for its cloud id, without credentials (`token` is not sent). Blocks for 15 seconds
-/// at most; background threads only.
-DiscoverResult discoverResource(const QString &baseURL, const QString &token);
-
 /// Whether the credentials may read Jira on that site. Blocks for 15 seconds at most; background
 /// threads only.
 DiscoverResult probeToken(const QString &cloudId, const QString &email, const QString &token);
-
-/// The cloud id to send requests to: the one in the settings or, without one, the site's answer,
-/// which is then stored. An error for the user otherwise. Blocks like discoverResource().
-struct CloudId {
-    QString id;
-    QString error; ///< empty when there is an id
-};
-CloudId cachedOrDiscoveredCloudId(const QString &baseURL, const QString &token);
 
 /// What a fetch brought. A successful one always has a summary; a failed one has only `error`, a
 /// message for the user.
@@ -68,7 +39,7 @@ struct FetchResult {
 /// when no request could be sent, on the calling one. May block for a discovery; background threads
 /// only.
 void fetchSummary(const QString &key, const std::optional<QString> &commentId,
-                  const QString &baseURL, const QString &email, const QString &token,
+                  const SiteAccess &site,
                   const std::function<void(const FetchResult &)> &completion);
 
 /// The text of a document-format tree on one line: its text nodes, joined by single spaces level by

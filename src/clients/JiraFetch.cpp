@@ -28,7 +28,7 @@ struct Access {
 };
 
 QString orNone(const std::optional<QString> &text) {
-    return text.value_or(u"(none)"_s);
+    return text ? LogStore::excerpt(*text) : u"(none)"_s;
 }
 
 JiraClient::FetchResult failure(const QString &error) {
@@ -94,12 +94,10 @@ void fetchCommentText(const Access &access, const QString &commentId,
 /// The answer to the issue request; logs what it is.
 JiraClient::FetchResult readIssue(const UrlResponse &response, const QString &key) {
     if (!response.httpStatus) {
-        if (response.transportError.isEmpty()) {
-            log(u"fetchSummary: no HTTP response"_s);
-            return failure(u"No HTTP response"_s);
-        }
-        log(u"fetchSummary: network error "_s + response.transportError);
-        return failure(u"Network error: "_s + response.transportError);
+        log(response.transportError.isEmpty()
+                ? u"fetchSummary: no HTTP response"_s
+                : u"fetchSummary: network error "_s + LogStore::excerpt(response.transportError));
+        return failure(Gateway::noResponse(response));
     }
     const int status = *response.httpStatus;
     log(u"fetchSummary: HTTP %1 for issue/%2"_s.arg(QString::number(status), key));
@@ -130,16 +128,15 @@ QString JiraClient::adfPlainText(const QJsonValue &node, int depth) {
 }
 
 void JiraClient::fetchSummary(const QString &key, const std::optional<QString> &commentId,
-                              const QString &baseURL, const QString &email, const QString &token,
-                              const Completion &completion) {
-    const CloudId cloudId = cachedOrDiscoveredCloudId(baseURL, token);
+                              const SiteAccess &site, const Completion &completion) {
+    const CloudId::Found cloudId = CloudId::cachedOrDiscovered(site);
     if (!cloudId.error.isEmpty()) {
         completion(failure(cloudId.error));
         return;
     }
     const Access access{Gateway::origin() + u"/ex/jira/"_s + cloudId.id + u"/rest/api/3/issue/"_s +
                             key,
-                        email, token};
+                        site.email, site.token};
     const auto request = access.request(u"?fields=summary,issuetype,status"_s);
     if (!request) {
         completion(failure(u"Couldn't build API URL"_s));

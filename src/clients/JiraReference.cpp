@@ -5,6 +5,8 @@
 
 #include <QRegularExpression>
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 namespace JiraClient {
@@ -41,6 +43,13 @@ std::optional<QString> focusedComment(QStringView link) {
     return match.captured(1);
 }
 
+/// Whether `host` of a link is the site's, in either of its forms. A port or a user name is none.
+bool isHostOf(const SiteAddress &site, const QString &host) {
+    const bool isAscii =
+        std::all_of(host.begin(), host.end(), [](QChar unit) { return unit.unicode() < 0x80; });
+    return (isAscii ? host.toLower() : QString::fromLatin1(QUrl::toAce(host))) == site.host;
+}
+
 } // namespace
 
 std::optional<JiraRef> extractRef(QStringView from, const QString &baseURL) {
@@ -51,7 +60,7 @@ std::optional<JiraRef> extractRef(QStringView from, const QString &baseURL) {
     if (!match.hasMatch())
         return std::nullopt;
     const std::optional<SiteAddress> site = SiteAddress::parse(baseURL);
-    if (!site || match.capturedView(1).toString().toLower() != site->host)
+    if (!site || !isHostOf(*site, match.captured(1)))
         return std::nullopt;
 
     JiraRef ref{match.captured(2).toUpper(), {}, focusedComment(link)};

@@ -1,6 +1,7 @@
 #include "desktop/HotkeyManager.h"
 
 #include "platform/Platform.h"
+#include "platform/wording.h"
 #include "storage/LogStore.h"
 
 HotkeyManager &HotkeyManager::shared() {
@@ -14,16 +15,30 @@ void HotkeyManager::install(const QList<KeyCombo> &combos, std::function<void()>
     all.removeIf([](const KeyCombo &combo) { return !combo.isSet(); });
     Platform::current().hotkeys->bind(
         all, [this] { pressed(); }, nullptr,
-        [](const QList<Hotkeys::Refusal> &refusals) {
-            for (const auto &[combo, reason] : refusals)
-                log(QStringLiteral("hotkey: %1 %2")
-                        .arg(HotkeyFormat::describe(combo.keyCode, combo.modifiers), reason));
-        });
+        [this](const QList<Hotkeys::Refusal> &refusals) { tellOf(refusals); });
+}
+
+void HotkeyManager::tellOf(const QList<Hotkeys::Refusal> &refusals) {
+    m_refusals = refusals;
+    for (const auto &[combo, reason] : refusals)
+        log(QStringLiteral("hotkey: %1 %2")
+                .arg(wording().describeHotkey(combo.keyCode, combo.modifiers), reason));
+    Q_EMIT installed();
 }
 
 void HotkeyManager::uninstall() {
     Platform::current().hotkeys->unbind();
     m_handler = nullptr;
+}
+
+QString HotkeyManager::problemOf(const KeyCombo &combo) const {
+    if (combo.modifiers != 0 && !combo.isSet())
+        return QStringLiteral("can't be used as a hotkey");
+    for (const Hotkeys::Refusal &refusal : m_refusals) {
+        if (refusal.combo == combo)
+            return refusal.reason;
+    }
+    return {};
 }
 
 void HotkeyManager::pressed() {

@@ -1,13 +1,18 @@
 #pragma once
 
 #include "model/HotkeyFormat.h"
+#include "platform/Hotkeys.h"
 
 #include <QList>
+#include <QObject>
+#include <QString>
 
 #include <functional>
 
 /// The system-wide hotkeys; all of them run one handler. Main thread only.
-class HotkeyManager {
+class HotkeyManager : public QObject {
+    Q_OBJECT
+
 public:
     static HotkeyManager &shared();
 
@@ -19,9 +24,19 @@ public:
     /// Gives every registration back and forgets the handler.
     void uninstall();
 
+    /// Why `combo` fires nothing though it was set: words that go on after it, such as "can't be
+    /// used as a hotkey". Empty when nothing is known against it.
+    QString problemOf(const KeyCombo &combo) const;
+
+Q_SIGNALS:
+    /// Every combination was registered or refused; problemOf() may have changed.
+    void installed();
+
 private:
     HotkeyManager() = default;
     void pressed();
+    void tellOf(const QList<Hotkeys::Refusal> &refusals);
 
     std::function<void()> m_handler;
+    QList<Hotkeys::Refusal> m_refusals; ///< of the last install()
 };

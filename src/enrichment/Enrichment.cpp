@@ -93,29 +93,35 @@ struct Fetch {
     QString product;
     QString tokenMessage; ///< for the user without one
     /// On a background thread.
-    std::function<void(const Run &run, const QString &email, const QString &token)> send;
+    std::function<void(const Run &run, const SiteAccess &site)> send;
 };
 
-/// The user may take half a minute to unlock the keyring, so it is asked in the background.
+/// Answers with no text when there is no token or it can't be read.
 void askForToken(const QString &account, std::function<void(const QString &token)> answered) {
     CurrentRun::enter(RunPhase::AskingKeyring);
-    Platform::current().dispatch->toBackground([account, answered = std::move(answered)] {
-        const QString token = Keychain::loadToken(account).value_or(QString());
-        Platform::current().dispatch->toMain([token, answered] { answered(token); });
-    });
+    const auto waitsForUser = [] {
+        CurrentRun::enter(RunPhase::WaitingForKeyring);
+        tell(QStringLiteral("Keychain is waiting for its password."));
+    };
+    Keychain::loadToken(
+        account,
+        [answered = std::move(answered)](const Keychain::TokenAnswer &answer) {
+            answered(answer.token);
+        },
+        waitsForUser);
 }
 
 /// Sends the fetch unless something is missing, which the user is told.
 void begin(const Fetch &fetch, const Run &asked) {
-    const QString email = Settings::shared().email();
-    if (email.isEmpty()) {
+    const SiteAccess site = SiteAccess::configured();
+    if (site.email.isEmpty()) {
         giveUp(QStringLiteral("enrich: no email configured"),
                QStringLiteral("Email not set. Open Preferences."));
         openPreferences();
         return;
     }
     Platform::current().urlSession->warmUp();
-    askForToken(fetch.account, [fetch, email, run = asked](const QString &token) mutable {
+    askForToken(fetch.account, [fetch, site, run = asked](const QString &token) mutable {
         if (token.isEmpty()) {
             giveUp(QStringLiteral("enrich: no %1 token configured").arg(fetch.product),
                    fetch.tokenMessage);
@@ -127,7 +133,7 @@ void begin(const Fetch &fetch, const Run &asked) {
             return;
         }
         Platform::current().dispatch->toBackground(
-            [fetch, run, email, token] { fetch.send(run, email, token); });
+            [fetch, run, access = site.withToken(token)] { fetch.send(run, access); });
         // The request is under way while the icon is drawn.
         CurrentRun::enter(RunPhase::Fetching);
     });
@@ -210,8 +216,8 @@ void finishJira(const JiraClient::FetchResult &result, const JiraRef &ref, const
 
 void runJira(const JiraRef &ref, const Run &run) {
     log(QStringLiteral("enrich: detected Jira key ") + ref.key);
-    const auto send = [ref](const Run &current, const QString &email, const QString &token) {
-        JiraClient::fetchSummary(ref.key, ref.commentId, current.baseURL, email, token,
+    const auto send = [ref](const Run &current, const SiteAccess &site) {
+        JiraClient::fetchSummary(ref.key, ref.commentId, site,
                                  onMain([ref, current](const JiraClient::FetchResult &result) {
                                      finishJira(result, ref, current);
                                  }));
@@ -238,9 +244,9 @@ void finishConfluence(const ConfluenceClient::ConfluenceFetchResult &result,
 
 void runConfluence(const ConfluenceRef &ref, const Run &run) {
     log(QStringLiteral("enrich: detected Confluence page %1 in %2").arg(ref.pageId, ref.spaceKey));
-    const auto send = [ref](const Run &current, const QString &email, const QString &token) {
+    const auto send = [ref](const Run &current, const SiteAccess &site) {
         ConfluenceClient::fetchPage(
-            ref.pageId, current.baseURL, email, token,
+            ref.pageId, site,
             onMain([ref, current](const ConfluenceClient::ConfluenceFetchResult &result) {
                 finishConfluence(result, ref, current);
             }));

@@ -21,5 +21,7 @@ public:
     virtual ~Alerts() = default;
 
     /// Shows `alert` and returns; `chosen` gets the index of the button (-1 when it was closed).
+    /// One with that message that is open already comes to the front with the new informative text,
+    /// and only its first caller is told.
     virtual void show(const Alert &alert, std::function<void(int button)> chosen) = 0;
 };

@@ -19,9 +19,12 @@ public:
     virtual std::optional<double> real(const QString &key) const = 0;
     virtual std::optional<QByteArray> data(const QString &key) const = 0;
 
-    /// Stores a QString, integer, bool, double or QByteArray and has it on disk on return.
+    /// Stores a QString, integer, bool, double or QByteArray, at first in memory.
     virtual void set(const QString &key, const QVariant &value) = 0;
     virtual void remove(const QString &key) = 0;
+
+    /// Has on disk what was stored and removed. The end of the store does so as well.
+    virtual void flush() = 0;
 
     /// Called with a short sentence whenever the store turns out damaged or can't be written; also
     /// at once for trouble met before it was set.

@@ -19,5 +19,8 @@ void Platform::install(Platform platform) {
 }
 
 void Platform::finish() const {
+    urlSession->cancelAll();
+    secretStore->cancelAll();
+    defaults->flush();
     dispatch->finish();
 }

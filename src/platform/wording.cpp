@@ -1,5 +1,8 @@
 #include "platform/wording.h"
 
+#include "model/HotkeyFormat.h"
+#include "model/HotkeyWords.h"
+
 namespace {
 Wording &current() {
     static Wording words = linuxWording();
@@ -8,13 +11,14 @@ Wording &current() {
 } // namespace
 
 Wording macWording() {
-    return {QStringLiteral("macOS"), QStringLiteral("Mac"), QStringLiteral(u"\u2318V"),
-            QStringLiteral(u"\u2303\u2318Space"), QStringLiteral("osascript")};
+    return {QStringLiteral("macOS"),     QStringLiteral("Mac"),
+            QStringLiteral(u"\u2318V"),  QStringLiteral(u"\u2303\u2318Space"),
+            QStringLiteral("osascript"), HotkeyFormat::describe};
 }
 
 Wording linuxWording() {
     return {QStringLiteral("the desktop"), QStringLiteral("computer"), QStringLiteral("Ctrl+V"),
-            QStringLiteral("Ctrl+."), QStringLiteral("xdotool")};
+            QStringLiteral("Ctrl+."),      QStringLiteral("xdotool"),  hotkeyInWords};
 }
 
 const Wording &wording() {

@@ -10,6 +10,9 @@ struct Wording {
     QString pasteKeys;       ///< the paste combination as the user presses it
     QString emojiPickerKeys; ///< what opens the emoji picker
     QString pasteProgram;    ///< the program that presses keys when Brindle can't
+
+    /// A hotkey as the user's keyboard is labelled.
+    QString (*describeHotkey)(quint32 keyCode, quint32 modifiers);
 };
 
 /// The words of a Mac.

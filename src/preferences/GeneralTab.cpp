@@ -8,8 +8,7 @@
 #include "preferences/SettingsBinding.h"
 #include "preferences/hotkey/HotkeyRecorder.h"
 #include "preferences/kit/Caption.h"
-#include "preferences/kit/FieldLabel.h"
-#include "preferences/kit/SectionHeader.h"
+#include "preferences/kit/Labels.h"
 #include "preferences/kit/Switch.h"
 #include "preferences/kit/WrappingText.h"
 #include "preferences/template/TemplatePreview.h"
@@ -25,7 +24,7 @@ QVBoxLayout *sectionColumn(QWidget *section, const QString &title) {
     auto *column = new QVBoxLayout(section);
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(Style::tightSpacing);
-    column->addWidget(new SectionHeader(title));
+    column->addWidget(sectionHeader(title));
     return column;
 }
 
@@ -76,7 +75,7 @@ void GeneralTab::launchAtLoginSwitched(bool on) {
 QWidget *GeneralTab::outputSection() {
     auto *section = new QWidget;
     QVBoxLayout *column = sectionColumn(section, u"Output"_s);
-    column->addWidget(new FieldLabel(u"Paste format"_s));
+    column->addWidget(fieldLabel(u"Paste format"_s));
     column->addWidget(makeFormatPicker(u"Paste format"_s, PasteFormats::linkFormats,
                                        Settings::shared().pasteFormat));
     column->addWidget(

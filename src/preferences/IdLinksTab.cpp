@@ -6,8 +6,7 @@
 #include "preferences/SettingsBinding.h"
 #include "preferences/kit/BorderedField.h"
 #include "preferences/kit/Caption.h"
-#include "preferences/kit/FieldLabel.h"
-#include "preferences/kit/SectionHeader.h"
+#include "preferences/kit/Labels.h"
 #include "preferences/kit/WrappingText.h"
 
 #include <QHBoxLayout>
@@ -35,11 +34,8 @@ QHBoxLayout *announced(const QString &label, WrappingText *text) {
 BorderedField *baseField() {
     auto *field = new BorderedField(u"https://app.example.com/records/"_s);
     field->setAccessibleName(u"Base URL"_s);
-    QObject::connect(field, &QLineEdit::textChanged, field, [](const QString &text) {
-        Settings &settings = Settings::shared();
-        if (text != settings.accountBaseURL())
-            settings.accountBaseURL = text;
-    });
+    QObject::connect(field, &QLineEdit::textChanged, field,
+                     [](const QString &text) { Settings::shared().accountBaseURL.type(text); });
     followSettings(field, [field] { field->show(Settings::shared().accountBaseURL()); });
     return field;
 }
@@ -61,10 +57,10 @@ QWidget *IdLinksTab::baseSection() {
     auto *column = new QVBoxLayout(section);
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(Style::blockSpacing);
-    column->addWidget(new SectionHeader(u"ID links"_s));
+    column->addWidget(sectionHeader(u"ID links"_s));
     auto *row = new QHBoxLayout;
     row->setSpacing(Style::rowSpacing);
-    row->addWidget(new FieldLabel(u"Base URL"_s));
+    row->addWidget(fieldLabel(u"Base URL"_s));
     row->addWidget(baseField(), 1);
     column->addLayout(row);
     column->addWidget(new Caption(
@@ -81,7 +77,7 @@ QWidget *IdLinksTab::formatSection() {
     auto *column = new QVBoxLayout(section);
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(Style::blockSpacing);
-    column->addWidget(new SectionHeader(u"Paste format"_s));
+    column->addWidget(sectionHeader(u"Paste format"_s));
     column->addWidget(makeFormatPicker(u"ID link paste format"_s, PasteFormats::accountFormats,
                                        Settings::shared().accountPasteFormat));
     column->addWidget(new Caption(

@@ -4,6 +4,7 @@
 #include "preferences/GeneralTab.h"
 #include "preferences/IdLinksTab.h"
 #include "preferences/JiraTab.h"
+#include "preferences/SettingsBinding.h"
 #include "preferences/SidebarRow.h"
 #include "preferences/connection/ConnectionTab.h"
 #include "preferences/kit/AccessibleRole.h"
@@ -12,7 +13,6 @@
 
 #include <QEvent>
 #include <QPainter>
-#include <QScreen>
 #include <QScrollArea>
 #include <QSplitter>
 #include <QVBoxLayout>
@@ -28,12 +28,17 @@ constexpr int sidebarGreatest = 250;
 /// The sidebar's ground, a shade away from that of the tabs.
 class Sidebar : public QWidget {
 public:
-    Sidebar() { settleWidth(); }
+    Sidebar() { limitWidth(); }
+
+    /// Its rows still fit in when the tabs need room more than it does.
+    QSize minimumSizeHint() const override {
+        return layout()->minimumSize().expandedTo({sidebarLeast, 0});
+    }
 
 protected:
     bool event(QEvent *event) override {
         if (event->type() == QEvent::ApplicationFontChange)
-            settleWidth();
+            limitWidth();
         return QWidget::event(event);
     }
 
@@ -47,9 +52,32 @@ protected:
     }
 
 private:
-    void settleWidth() {
-        setMinimumWidth(Style::scaled(sidebarLeast));
-        setMaximumWidth(Style::scaled(sidebarGreatest));
+    void limitWidth() { setMaximumWidth(Style::scaled(sidebarGreatest)); }
+};
+
+/// The ground that a tab scrolls on, at least as wide as the tab can be.
+class Page : public QScrollArea {
+public:
+    explicit Page(QWidget *content) {
+        setFrameShape(QFrame::NoFrame);
+        setWidgetResizable(true);
+        setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+        setFocusPolicy(Qt::NoFocus);
+        new SlimScrollBar(this);
+        content->resize(size()); // or it would be measured for a size that it never gets
+        setWidget(content);
+    }
+
+    QSize minimumSizeHint() const override {
+        const QSize least = QScrollArea::minimumSizeHint();
+        return {widget()->minimumSizeHint().width(), least.height()};
+    }
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override {
+        if (watched == widget() && event->type() == QEvent::LayoutRequest)
+            updateGeometry();
+        return QScrollArea::eventFilter(watched, event);
     }
 };
 
@@ -69,13 +97,13 @@ PreferencesView::PreferencesView(QWidget *parent) : QWidget(parent), m_detail(ne
     auto *row = new QHBoxLayout(this);
     row->setContentsMargins(0, 0, 0, 0);
     row->addWidget(split);
-    settleSize();
+    resize(sizeHint());
     selectTab(PreferencesTab::General);
+    storeWhenFieldsAreLeft(this);
 }
 
-void PreferencesView::settleSize() {
-    const QSize wanted(Style::scaled(viewWidth), Style::scaled(viewHeight));
-    setFixedSize(wanted.boundedTo(screen()->availableSize()));
+QSize PreferencesView::sizeHint() const {
+    return {Style::scaled(viewWidth), Style::scaled(viewHeight)};
 }
 
 QWidget *PreferencesView::makeSidebar() {
@@ -108,19 +136,12 @@ void PreferencesView::selectTab(PreferencesTab tab) {
 QWidget *PreferencesView::pageOf(PreferencesTab tab) {
     if (QWidget *page = m_pages.value(tab))
         return page;
-    auto *page = new QScrollArea;
-    page->setFrameShape(QFrame::NoFrame);
-    page->setWidgetResizable(true);
-    page->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    page->setFocusPolicy(Qt::NoFocus);
-    new SlimScrollBar(page);
     auto *content = new QWidget;
     auto *column = new QVBoxLayout(content);
     column->setContentsMargins(Style::panePadding, Style::panePadding, Style::panePadding,
                                Style::panePadding);
     column->addWidget(makeTab(tab));
-    content->resize(page->size()); // or it would be measured for a size that it never gets
-    page->setWidget(content);
+    auto *page = new Page(content);
     m_detail->addWidget(page);
     m_pages.insert(tab, page);
     return page;
@@ -144,6 +165,6 @@ QWidget *PreferencesView::makeTab(PreferencesTab tab) {
 
 bool PreferencesView::event(QEvent *event) {
     if (event->type() == QEvent::ApplicationFontChange)
-        settleSize();
+        updateGeometry();
     return QWidget::event(event);
 }

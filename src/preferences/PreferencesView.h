@@ -21,6 +21,8 @@ public:
     PreferencesTab selectedTab() const { return m_selected; }
     void selectTab(PreferencesTab tab);
 
+    QSize sizeHint() const override;
+
 protected:
     bool event(QEvent *event) override;
 
@@ -28,7 +30,6 @@ private:
     QWidget *makeSidebar();
     QWidget *pageOf(PreferencesTab tab);
     QWidget *makeTab(PreferencesTab tab);
-    void settleSize();
 
     JiraPreviewSource m_jiraPreview;
     ConfluencePreviewSource m_confluencePreview;

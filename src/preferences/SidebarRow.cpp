@@ -73,8 +73,8 @@ SidebarRow::SidebarRow(PreferencesTab tab, QWidget *parent) : QAbstractButton(pa
 }
 
 QSize SidebarRow::sizeHint() const {
-    const int words = fontMetrics().horizontalAdvance(text());
-    return {2 * horizontalPadding + TileIcon::side + iconGap + words,
+    const int textWidth = fontMetrics().horizontalAdvance(text());
+    return {2 * horizontalPadding + TileIcon::side + iconGap + textWidth,
             std::max(TileIcon::side, fontMetrics().height()) + 2 * verticalPadding};
 }
 
@@ -102,19 +102,20 @@ void SidebarRow::focusInEvent(QFocusEvent *event) {
 void SidebarRow::paintEvent(QPaintEvent *) {
     using Style::ColourRole;
     QPainter painter(this);
-    QColor fill = Style::colour(ColourRole::Accent, palette());
-    QColor words = Style::colour(ColourRole::Primary, palette());
+    QColor textColour = Style::colour(ColourRole::Primary, palette());
     if (isChecked()) {
-        words = Style::colour(ColourRole::OnAccent, palette());
-        Style::paintBox(painter, rect(), Style::boxRadius, fill);
+        textColour = Style::colour(ColourRole::OnAccent, palette());
+        Style::paintBox(painter, rect(), Style::boxRadius,
+                        Style::colour(ColourRole::AccentFill, palette()));
     } else if (underMouse()) {
-        fill.setAlphaF(0.14F);
-        Style::paintBox(painter, rect(), Style::boxRadius, fill);
+        QColor tint = Style::colour(ColourRole::Accent, palette());
+        tint.setAlphaF(0.14F);
+        Style::paintBox(painter, rect(), Style::boxRadius, tint);
     }
-    painter.setPen(words);
+    painter.setPen(textColour);
     painter.drawText(rect().adjusted(horizontalPadding + TileIcon::side + iconGap, 0, 0, 0),
                      Qt::AlignVCenter | Qt::AlignLeft, text());
     if (hasFocus() && m_ring.isVisible())
         Style::paintBox(painter, QRectF(rect()).adjusted(2, 2, -2, -2), Style::boxRadius - 2, {},
-                        words, 1.5);
+                        textColour, 1.5);
 }

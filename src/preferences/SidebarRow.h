@@ -16,6 +16,7 @@ public:
 
     PreferencesTab tab() const { return m_tab; }
     QSize sizeHint() const override;
+    QSize minimumSizeHint() const override { return sizeHint(); }
 
 protected:
     bool event(QEvent *event) override;

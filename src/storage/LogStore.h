@@ -36,6 +36,14 @@ public:
     /// The time of day of an entry as the log shows it.
     static QString formattedTime(const QDateTime &date);
 
+    /// `text` with a space for each line end and tab, and U+FFFD for what is no character to show.
+    /// Pure, any thread.
+    static QString oneLine(QStringView text);
+
+    /// What a log line shows of a text that is not ours, such as a server's: its first 100
+    /// characters, with "…" for the rest. Pure, any thread.
+    static QString excerpt(QStringView foreign);
+
 Q_SIGNALS:
     void changed();
 
@@ -46,5 +54,6 @@ private:
     QList<Entry> m_entries;
 };
 
-/// Writes one line to the activity log. Any thread. Never with a token or an e-mail address in it.
+/// Writes `message`, put on one line, to the activity log. Any thread. Never with a token or an
+/// e-mail address in it.
 void log(const QString &message);

@@ -9,7 +9,6 @@
 #include <QVariant>
 
 #include <functional>
-#include <mutex>
 #include <optional>
 
 class Defaults;
@@ -25,7 +24,7 @@ std::optional<QVariant> storedForm(const std::optional<QDateTime> &value);
 
 /// One preference: its value in memory, its key in the store and how it is loaded. Reading is a
 /// call, `settings.email()`; assigning, `settings.email = text`, stores the value at once and tells
-/// the observers of Settings.
+/// the observers of Settings. Main thread only.
 template <class T>
 class Setting {
 public:
@@ -36,18 +35,21 @@ public:
     Setting(const Setting &) = delete;
 
     const T &operator()() const { return m_value; }
-    /// The value, for other threads than the main one.
-    T copy() const {
-        const std::scoped_lock lock(m_mutex);
-        return m_value;
-    }
     Setting &operator=(T value);
     Setting &operator=(const Setting &) = delete;
 
+    /// Takes what a field shows while it is being typed in, if that is something new. It is on disk
+    /// half a second later at the latest, or with Settings::flush().
+    void type(T value);
+
 private:
+    friend class Settings;
+
+    /// All of an assignment but that it is on disk.
+    void assign(T value);
+
     Settings &m_owner;
     QString m_key;
     T m_value;
-    mutable std::mutex m_mutex; ///< held while the value changes and while it is copied
     AfterStore m_afterStore;
 };

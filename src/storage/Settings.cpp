@@ -2,7 +2,9 @@
 
 #include "model/HotkeyFormat.h"
 #include "platform/Platform.h"
+#include "platform/wording.h"
 
+#include <cmath>
 #include <limits>
 #include <memory>
 
@@ -62,7 +64,7 @@ std::optional<QDateTime> loadDate(const Defaults &defaults, const QString &key) 
     constexpr double latest = 1e14;
     if (!(seconds > 0 && seconds < latest))
         return std::nullopt;
-    return QDateTime::fromMSecsSinceEpoch(static_cast<qint64>(seconds * 1000), Qt::UTC);
+    return QDateTime::fromMSecsSinceEpoch(std::llround(seconds * 1000), Qt::UTC);
 }
 
 std::unique_ptr<Settings> &slot() {
@@ -101,11 +103,22 @@ Setting<T>::Setting(Settings &owner, const QString &key, const Load &load, After
 
 template <class T>
 Setting<T> &Setting<T>::operator=(T value) {
-    Q_EMIT m_owner.willChange();
-    const T previous = [&] {
-        const std::scoped_lock lock(m_mutex);
-        return std::exchange(m_value, std::move(value));
-    }();
+    assign(std::move(value));
+    m_owner.flush();
+    return *this;
+}
+
+template <class T>
+void Setting<T>::type(T value) {
+    if (value == m_value)
+        return;
+    assign(std::move(value));
+    m_owner.flushSoon();
+}
+
+template <class T>
+void Setting<T>::assign(T value) {
+    const T previous = std::exchange(m_value, std::move(value));
     if (const auto stored = storedForm(m_value))
         store().set(m_key, *stored);
     else
@@ -113,7 +126,6 @@ Setting<T> &Setting<T>::operator=(T value) {
     if (m_afterStore)
         (m_owner.*m_afterStore)(previous);
     Q_EMIT m_owner.didChange();
-    return *this;
 }
 
 template class Setting<QString>;
@@ -131,6 +143,10 @@ Settings &Settings::shared() {
 
 void Settings::restart() {
     slot().reset();
+}
+
+Settings::~Settings() {
+    m_flush.cancel();
 }
 
 const QList<TypeEmojiMapping> &Settings::defaultTypeEmojiMappings() {
@@ -162,7 +178,18 @@ Settings::Settings()
 
 void Settings::forgetCloudIdIfMoved(const QString &previousBaseURL) {
     if (baseURL() != previousBaseURL)
-        cloudId = QString();
+        cloudId.assign(QString());
+}
+
+void Settings::flush() {
+    m_flush.cancel();
+    store().flush();
+}
+
+void Settings::flushSoon() {
+    constexpr std::chrono::milliseconds pause(500);
+    if (!m_flush)
+        m_flush = Platform::current().dispatch->after(pause, [this] { flush(); });
 }
 
 std::optional<qint64> Settings::daysSinceTokenSaved() const {
@@ -178,7 +205,7 @@ bool Settings::tokenIsAging() const {
 }
 
 QString Settings::hotkeyDisplay() const {
-    return HotkeyFormat::describe(hotkeyKeyCode(), hotkeyModifiers());
+    return wording().describeHotkey(hotkeyKeyCode(), hotkeyModifiers());
 }
 
 bool Settings::hotkey2IsSet() const {
@@ -186,6 +213,6 @@ bool Settings::hotkey2IsSet() const {
 }
 
 QString Settings::hotkey2Display() const {
-    return hotkey2IsSet() ? HotkeyFormat::describe(hotkey2KeyCode(), hotkey2Modifiers())
+    return hotkey2IsSet() ? wording().describeHotkey(hotkey2KeyCode(), hotkey2Modifiers())
                           : QStringLiteral("Not set");
 }

@@ -1,11 +1,12 @@
 #pragma once
 
+#include "platform/Dispatch.h"
 #include "storage/Setting.h"
 
 #include <QObject>
 
-/// Every preference that is not a secret. Loaded once on first use; each assignment is stored at
-/// once. Main thread only.
+/// Every preference that is not a secret. Loaded once on first use; each assignment is on disk at
+/// once, what is typed a little later. Main thread only.
 class Settings : public QObject {
     Q_OBJECT
 
@@ -14,6 +15,8 @@ public:
 
     /// Drops the instance, so that the next use loads afresh. For tests.
     static void restart();
+
+    ~Settings() override;
 
     static QString defaultDisplayTemplate() { return QStringLiteral("{key} - {TYPE} - {summary}"); }
     static QString defaultConfluenceTemplate() { return QStringLiteral(u"{title} \u2014 {space}"); }
@@ -42,13 +45,15 @@ public:
     std::optional<qint64> daysSinceTokenSaved() const;
     bool tokenIsAging() const;
 
+    /// Has on disk what was typed. To be called when a field is left.
+    void flush();
+
     QString hotkeyDisplay() const;
     bool hotkey2IsSet() const;
     QString hotkey2Display() const;
 
 Q_SIGNALS:
-    /// A property is about to change, or has.
-    void willChange();
+    /// A property has been assigned.
     void didChange();
 
 private:
@@ -57,4 +62,7 @@ private:
 
     Settings();
     void forgetCloudIdIfMoved(const QString &previousBaseURL);
+    void flushSoon();
+
+    WorkItem m_flush; ///< of what was typed
 };

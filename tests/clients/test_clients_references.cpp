@@ -34,14 +34,16 @@ private Q_SLOTS:
             QCOMPARE(text + u' ' + issueUrl(text), text + u' ' + found);
         const QString comment = found + u"?focusedCommentId=77"_s;
         QCOMPARE(issueUrl(comment + u"&page=2#comment-77"_s), comment);
-        QCOMPARE(issueUrl(found + u"#focusedCommentId=77"_s), comment);
+        for (const QString &place : {u"#"_s, u"?page=2&"_s, u"/x?a#b="_s})
+            QCOMPARE(place + issueUrl(found + place + u"focusedCommentId=77"_s), place + comment);
+        QCOMPARE(issueUrl(site + u"/browse/a1b2-3"_s), site + u"/browse/A1B2-3"_s);
         QCOMPARE(issueUrl(comment + u"&focusedCommentId=2"_s), comment);
         QCOMPARE(JiraClient::extractRef(comment, site)->key, u"ABC-12"_s);
         QCOMPARE(JiraClient::extractRef(comment, site)->commentId, u"77"_s);
 
         for (const QString &text :
-             {found + u"x"_s, found + u","_s, found + u"?a\nb"_s, found + u"?a\u00A0b"_s,
-              site + u"/browse/A_B-12"_s, site + u"/browse/1AB-12"_s,
+             {u"HTTPS"_s + found.sliced(5), found + u"x"_s, found + u","_s, found + u"?a\nb"_s,
+              found + u"?a\u00A0b"_s, site + u"/browse/A_B-12"_s, site + u"/browse/1AB-12"_s,
               site + u"/browse/ABC-\u0661"_s, u"https://other.example.net/browse/ABC-12"_s,
               site + u".evil.example/browse/ABC-12"_s,
               u"https://me@team.example.net/browse/ABC-12"_s, site + u":443/browse/ABC-12"_s,
@@ -54,6 +56,8 @@ private Q_SLOTS:
         const QList<std::pair<QString, QString>> cases{
             {site + u"/wiki/spaces/eng/pages/123456/Release+Plan"_s, u"Page ENG 123456"_s},
             {site + eng + u"blog/2024/05/17/98765/launch-notes"_s, u"Blog ENG 98765"_s},
+            {site + eng + u"blog/2024/05/17/98765"_s, u"Blog ENG 98765"_s},
+            {site + eng + u"blog/98765?x=1"_s, u"Blog ENG 98765"_s},
             {site + eng + u"blog/2024/05/17/launch-notes"_s, u"Blog ENG 17"_s},
             {site + eng + u"blog/"_s + u"7/"_s.repeated(1'000'000) + u"98/x"_s, u"Blog ENG 98"_s},
             {site + u"/wiki/spaces/A/blog/1?x=/wiki/spaces/B/pages/2"_s, u"Page B 2"_s},
@@ -84,6 +88,19 @@ private Q_SLOTS:
             QCOMPARE(issueUrl(site + link, baseURL + u"//"_s), QString(baseURL + link));
             QVERIFY(ConfluenceClient::extractRef(page, baseURL));
         }
+        // A name in letters beyond ASCII is that in the form in which it travels.
+        const QString travelling = u"https://xn--bcher-kva.example"_s;
+        for (const QString &baseURL : {u"https://B\u00FCcher.example"_s, travelling}) {
+            for (const QString &host : {u"https://b\u00FCCHER.example"_s, travelling,
+                                        u"https://XN--Bcher-kva.example"_s}) {
+                QCOMPARE(host + issueUrl(host + link, baseURL), QString(host + baseURL + link));
+                QVERIFY(ConfluenceClient::extractRef(host + u"/wiki/spaces/A/pages/1"_s, baseURL));
+            }
+            for (const QString &host :
+                 {u"https://b\u00FCcher.example:443"_s, u"https://me@b\u00FCcher.example"_s,
+                  u"https://bu\u0308cher.example.net"_s})
+                QCOMPARE(host + issueUrl(host + link, baseURL), host + u"none"_s);
+        }
         for (const QString &baseURL :
              {QString(), u"team.example.net"_s, u" "_s + site, u"https://other.example.net"_s}) {
             QCOMPARE(issueUrl(site + link, baseURL), u"none"_s);
@@ -113,8 +130,8 @@ private Q_SLOTS:
             QVERIFY2(!AccountClient::extractRef(text, base), qPrintable(text));
 
         QCOMPARE(AccountClient::normalizedBase(u" https://h/A?b#c\n"_s), u"https://h/A?b#c/"_s);
-        for (const QString &setting :
-             {QString(), u"app.example.com/records/"_s, u"https://"_s, u"https://h/a b/"_s})
+        for (const QString &setting : {QString(), u"app.example.com/records/"_s,
+                                       u"//app.example.com/"_s, u"https://"_s, u"https://h/a b/"_s})
             QCOMPARE(AccountClient::normalizedBase(setting), QString());
     }
 

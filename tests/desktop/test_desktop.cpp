@@ -1,6 +1,8 @@
 #include "desktop/HotkeyManager.h"
+#include "desktop/LoginItem.h"
 #include "desktop/Notify.h"
 #include "fakes/FakePlatform.h"
+#include "platform/wording.h"
 
 #include <QTest>
 
@@ -32,9 +34,56 @@ private Q_SLOTS:
         platform.hotkeys->taken = {{9, 6400}};
         manager.install({{9, 6400}, {38, 256}}, [] {});
         QCOMPARE(registered.size(), 1);
-        QVERIFY(
-            platform.takeLog().constLast().startsWith("hotkey: ⌃⌥⌘V is taken by another program"));
+        QCOMPARE(platform.takeLog().constLast(), "hotkey: ⌃⌥⌘V is taken by another program");
+        setWording(linuxWording());
+        manager.install({{9, 6400}}, [] {});
+        QCOMPARE(platform.takeLog().constLast(),
+                 "hotkey: Ctrl+Alt+Super+V is taken by another program");
         manager.uninstall();
+    }
+
+    void loginItemIsOnWhileItIsRegistered_data() {
+        QTest::addColumn<LoginItems::Status>("status");
+        QTest::addColumn<bool>("isEnabled");
+        QTest::addColumn<QString>("name");
+        using Status = LoginItems::Status;
+        QTest::newRow("not registered") << Status::NotRegistered << false << "notRegistered";
+        QTest::newRow("enabled") << Status::Enabled << true << "enabled";
+        QTest::newRow("switched off elsewhere")
+            << Status::RequiresApproval << true << "requiresApproval";
+        QTest::newRow("not found") << Status::NotFound << false << "notFound";
+        QTest::newRow("new to us") << Status(7) << false << "unknown(7)";
+    }
+
+    void loginItemIsOnWhileItIsRegistered() {
+        QFETCH(LoginItems::Status, status);
+        FakePlatform platform;
+        platform.loginItems->current = status;
+        QTEST(LoginItem::isEnabled(), "isEnabled");
+        QFETCH(QString, name);
+        QCOMPARE(platform.takeLog(), QStringList("LoginItem.isEnabled: status = " + name));
+    }
+
+    void loginItemIsSwitchedAndAFailureTold() {
+        FakePlatform platform;
+        QVERIFY(LoginItem::setEnabled(true));
+        QVERIFY(LoginItem::setEnabled(false));
+        QCOMPARE(platform.takeLog(),
+                 (QStringList{"LoginItem.setEnabled(true): registered, status now enabled",
+                              "LoginItem.setEnabled(false): unregistered, status now "
+                              "notRegistered"}));
+        QVERIFY(platform.notifications->shown.isEmpty());
+        platform.loginItems->error = "disk full";
+        for (const bool enabled : {true, false}) {
+            QVERIFY(!LoginItem::setEnabled(enabled));
+            QCOMPARE(platform.takeLog(),
+                     (QStringList{QString("LoginItem.setEnabled(%1): error disk full")
+                                      .arg(enabled ? "true" : "false"),
+                                  "notify: Launch at login change failed: disk full"}));
+            QCOMPARE(platform.notifications->shown,
+                     QStringList("Brindle|Launch at login change failed: disk full"));
+            platform.notifications->shown.clear();
+        }
     }
 
     void notificationIsLoggedAndShownOnOneLine() {

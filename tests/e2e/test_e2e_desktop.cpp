@@ -70,21 +70,35 @@ private Q_SLOTS:
         scene.start({{"hotkeyKeyCode", "38"}, {"hotkeyModifiers", "2304"}});
         QVERIFY(waitFor([&] { return area.items().size() == 1; }));
         QVERIFY(scene.isUp());
-        QCOMPARE(area.menu(),
-                 (QStringList{"Enrich & Paste (⌥⌘J)", "Enrich Clipboard Only", "-", "Preferences…",
-                              "View Logs…", "-", "About Brindle", "Check for Updates…", "Quit"}));
+        QCOMPARE(area.menu(), (QStringList{"Enrich & Paste (Alt+Super+J)", "Enrich Clipboard Only",
+                                           "-", "Preferences…", "View Logs…", "-", "About Brindle",
+                                           "Check for Updates…", "Quit"}));
         const ClipboardOwner owner(scene.desktop, scene.copied(record));
-        QVERIFY(area.choose("Enrich Clipboard Only"));
+        // The other button opens the same menu on the screen; this is its second entry.
+        const QImage before = screenPicture(scene.desktop.display());
+        QVERIFY(area.click());
+        QVERIFY(waitFor([&] { return screenPicture(scene.desktop.display()) != before; }));
+        for (const int key : {KEY_DOWN, KEY_DOWN, KEY_ENTER})
+            scene.keys.tap(keyCode(key));
         QVERIFY(scene.shown.waitForAccepted(1));
         QCOMPARE(scene.shown.notifications()[0].body, "Clipboard: " + recordLink);
 
         QVERIFY(windowTitles(scene.desktop.display()).isEmpty());
         QVERIFY(area.choose("View Logs…"));
-        QVERIFY(area.choose("Preferences…"));
         QVERIFY(scene.shows("Brindle Logs"));
+        QVERIFY(area.choose("Preferences…"));
         QVERIFY(scene.shows("Settings"));
         QVERIFY(area.choose("About Brindle"));
-        QVERIFY(waitFor([&] { return windowTitles(scene.desktop.display()).size() == 3; }));
+        QVERIFY(scene.shows("Brindle"));
+        QVERIFY(area.choose("About Brindle"));
+        QVERIFY(closeWindow(scene.desktop.display(), "Settings"));
+        QVERIFY(waitFor([&] { return windowTitles(scene.desktop.display()).size() == 2; }));
+        // Nothing ends with the last window.
+        QVERIFY(closeWindow(scene.desktop.display(), "Brindle"));
+        QVERIFY(closeWindow(scene.desktop.display(), "Brindle Logs"));
+        QVERIFY(waitFor([&] { return windowTitles(scene.desktop.display()).isEmpty(); }));
+        QVERIFY(area.choose("View Logs…"));
+        QVERIFY(scene.shows("Brindle Logs"));
         QVERIFY(area.choose("Quit"));
         QVERIFY(scene.hasEnded());
     }
@@ -99,12 +113,14 @@ private Q_SLOTS:
             QVERIFY(waitFor([&] { return area.items().size() == 1; }));
             plain = area.picture();
             QVERIFY(plain.width() >= 32);
+            QCOMPARE(area.toolTip(), "Brindle");
         }
         scene.brindle.reset();
         scene.start({{"tokenSavedAt", "1000000000"}});
         const StatusArea area(scene.desktop.bus());
         QVERIFY(waitFor([&] { return area.items().size() == 1; }));
         QVERIFY(area.picture() != plain);
+        QCOMPARE(area.toolTip(), "Brindle — token rotation suggested");
     }
 
     void iconIsEmbeddedInATrayThatComesLateAndAgain() {
@@ -120,6 +136,26 @@ private Q_SLOTS:
             QVERIFY(waitFor([&] { return !hasEmbeddedIcon(x, x.root()); }));
         }
         QVERIFY(scene.brindle->isUp());
+    }
+
+    void bothHotkeysPasteAndTheActionWithoutPastingDoesNot() {
+        Scene scene;
+        scene.start({{"hotkey2KeyCode", "40"}, {"hotkey2Modifiers", "6144"}});
+        QVERIFY(scene.isUp());
+        QVERIFY(scene.openTarget());
+        {
+            const ClipboardOwner owner(scene.desktop, scene.copied(record));
+            QVERIFY(scene.brindle->activate("enrich-only"));
+            QVERIFY(scene.clipboardBecomes(recordLink));
+        }
+        const ClipboardOwner owner(scene.desktop, scene.copied(record));
+        scene.keys.chord({keyCode(KEY_LEFTCTRL), keyCode(KEY_LEFTALT), keyCode(KEY_K)});
+        QVERIFY(scene.target->waitForPaste());
+        QVERIFY(scene.clipboardBecomes(record));
+        scene.press();
+        QVERIFY(scene.target->waitForPaste(1));
+        QVERIFY(scene.clipboardBecomes(record));
+        QCOMPARE(scene.target->pasteCount(), 2);
     }
 
     void missingTokenIsAskedForAndLaunchAtLoginSwitched() {

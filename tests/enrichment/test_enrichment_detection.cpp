@@ -34,6 +34,7 @@ private Q_SLOTS:
         const QString jira = u"jira "_qs + issue;
         const QString confluence = u"confluence "_qs + page;
         const QString account = u"account "_qs + records + record;
+        const QString shouted = u"HTTPS"_qs + page.sliced(5);
         const auto link = [](QChar before, QChar after) { return before + issue + after; };
         const QList<std::tuple<QString, QString, QString>> cases{
             {u"ABC-1"_qs, {}, u"nothing"_qs},
@@ -49,6 +50,13 @@ private Q_SLOTS:
             {u"t"_qs, u"<A HREF=\"%1\">t</A>"_qs.arg(issue), jira},
             {u"t"_qs, u"<img src=\"%1\">"_qs.arg(issue) + anchor(page, u"t"_qs), confluence},
             {page, anchor(issue, u"x"_qs), confluence},
+            {issue + u"?p=/wiki/spaces/ENG/pages/12"_qs, {}, jira},
+            {page + u' ' + issue, {}, confluence},
+            // Only in running text is the scheme in capitals none.
+            {shouted, {}, u"confluence "_qs + shouted},
+            {u"t"_qs, anchor(shouted, u"t"_qs), u"confluence "_qs + shouted},
+            {u"see "_qs + shouted, {}, u"nothing"_qs},
+            {u"HTTPS"_qs + issue.sliced(5), {}, u"nothing"_qs},
             {u" 507F1F77BCF86CD799439011\n"_qs, {}, account},
             {record, anchor(issue, u"x"_qs), jira},
             {issue + u"?r="_qs + records + record, {}, jira},

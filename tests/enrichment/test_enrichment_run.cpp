@@ -293,6 +293,31 @@ private Q_SLOTS:
         }
     }
 
+    void lockedKeyringIsToldOnceAndDimsTheIcon() {
+        for (const bool unlocks : {true, false}) {
+            Scene scene(issue);
+            scene.secretStore->isLocked = true;
+            Enrichment::run(true);
+            scene.dispatch->drain();
+            QVERIFY(scene.secretStore->isPrompting());
+            for (int presses = 0; presses < 2; ++presses) {
+                Enrichment::run(true);
+                QCOMPARE(scene.takeLog().constLast(),
+                         "enrich: a fetch is already in flight — ignoring re-trigger");
+            }
+            QCOMPARE(scene.notifications->shown,
+                     QStringList("Brindle|Keychain is waiting for its password."));
+            QCOMPARE(scene.app.fetchingStates, QList<bool>{true});
+            scene.answer(200, R"({"fields":{"summary":"Crash"}})");
+            scene.secretStore->answerPrompt(unlocks);
+            scene.dispatch->advance(3s);
+            QCOMPARE(scene.pasted.isEmpty(), !unlocks);
+            QCOMPARE(scene.notifications->shown.value(1),
+                     unlocks ? QString() : "Brindle|Jira API token not set. Open Preferences.");
+            QCOMPARE(scene.app.fetchingStates, QList<bool>({true, false}));
+        }
+    }
+
     void pressesDuringAFetchAreIgnored() {
         Scene scene(issue);
         Enrichment::run(true);

@@ -85,6 +85,7 @@ private Q_SLOTS:
             {u"a\n-\t\n-\nb"_s, u"a - b"_s, u"a\n-\t\n-\nb"_s},
             {u"a - b - c-d -- e - -f"_s, u"a - b - c-d -- e - -f"_s, u"a - b - c-d -- e - -f"_s},
             {u"a - - "_s, u"a -"_s, u"a - -"_s},
+            {u" - - a"_s, u"- a"_s, u"- - a"_s},
             {u"  a   b \n c\t\td\n"_s, u"a b \n c\t\td\n"_s, u"a b \n c\t\td\n"_s},
             {u"\u00A0a\u00A0\u00A0b\u00A0"_s, u"a\u00A0\u00A0b"_s, u"a\u00A0\u00A0b"_s},
             {u" <i> a</i>"_s, u"\uE000 a\uE001"_s, u"\uE000 a\uE001"_s},
@@ -96,16 +97,57 @@ private Q_SLOTS:
         }
     }
 
-    void fillsConfluenceTemplates() {
-        const QList<std::tuple<QString, QString, QString>> cases{
-            {u"<b>{title}</b> \u00B7 {type} ({space})"_s, u"Runbook"_s,
-             u"\uE002Runbook\uE003 \u00B7 Blog (OPS)"_s},
-            {u"{title}"_s, u"{id}{title}<i>x"_s, u"98{title}\uE000x"_s},
+    void valuesHaveLaterPlaceholdersFilledIn() {
+        const auto with = [](auto TemplateValues::*field, const QString &value) {
+            TemplateValues values = crash;
+            values.isComment = true;
+            values.commentText = u"c"_s;
+            values.*field = value;
+            return values;
         };
-        for (const auto &[templateText, title, text] : cases)
-            QCOMPARE(Enrichment::renderConfluenceTemplate(templateText, title, u"OPS"_s, u"Blog"_s,
-                                                          u"98"_s),
-                     text);
+        const QString comment = u"\uE000\u201Cc\u201D\uE001"_s;
+        const QList<std::tuple<QString, TemplateValues, QString>> cases{
+            {u"{type}"_s, with(&TemplateValues::type, u"a{TYPE}{type}{STATUS}{status}"_s),
+             u"a{TYPE}{type}IN PROGRESSIn Progress"_s},
+            {u"{TYPE}"_s, with(&TemplateValues::type, u"a{status}"_s), u"A"_s + u"IN PROGRESS"_s},
+            {u"{status}"_s, with(&TemplateValues::status, u"a{TYPE}{type}{STATUS}{status}{key}"_s),
+             u"a{TYPE}{type}{STATUS}{status}ABC-1"_s},
+            {u"{key}"_s, with(&TemplateValues::key, u"{status}{key}{summary}"_s),
+             u"{status}{key}Crash"_s},
+            {u"{summary}"_s, with(&TemplateValues::summary, u"{key}{summary}{commenttext}"_s),
+             u"{key}{summary}"_s + comment},
+            {u"{commenttext}"_s,
+             with(&TemplateValues::commentText,
+                  u"{type-emoji}{commenttext}{commenter-name}{comment-emoji}"_s),
+             u"\uE000\u201C{type-emoji}{commenttext}\uE000Ann\uE001"_s + balloon +
+                 u"\u201D\uE001"_s},
+            {u"{commenter-name}"_s,
+             with(&TemplateValues::commentAuthor, u"{commenttext}{comment-emoji}"_s),
+             u"\uE000{commenttext}"_s + balloon + u"\uE001"_s},
+        };
+        for (const auto &[templateText, values, text] : cases)
+            QCOMPARE(templateText + render(templateText, values, true), templateText + text);
+    }
+
+    void fillsConfluenceTemplates() {
+        const QString all = u"{title}{space}{type}{id}"_s;
+        struct Case {
+            QString templateText, title, space, type, id, text;
+        };
+        const QList<Case> cases{
+            {u"<b>{title}</b> \u00B7 {type} ({space})"_s, u"Runbook"_s, u"OPS"_s, u"Blog"_s,
+             u"98"_s, u"\uE002Runbook\uE003 \u00B7 Blog (OPS)"_s},
+            {u"{title} {space} {type} "_s, u"a  <i>b"_s, {}, u"Page"_s, {}, u"a \uE000b Page"_s},
+            {u"{title}"_s, all, u"OPS"_s, u"Blog"_s, u"98"_s, u"{title}OPSBlog98"_s},
+            {u"{space}"_s, u"T"_s, all, u"Blog"_s, u"98"_s, u"{title}{space}Blog98"_s},
+            {u"{type}"_s, u"T"_s, u"OPS"_s, all, u"98"_s, u"{title}{space}{type}98"_s},
+            {u"{id}"_s, u"T"_s, u"OPS"_s, u"Blog"_s, all, all},
+            {u"{Title}{key}<c>"_s, u"T"_s, {}, {}, {}, u"{Title}{key}<c>"_s},
+        };
+        for (const auto &[templateText, title, space, type, id, text] : cases)
+            QCOMPARE(templateText +
+                         Enrichment::renderConfluenceTemplate(templateText, title, space, type, id),
+                     templateText + text);
     }
 };
 

@@ -140,11 +140,83 @@ void FakeHotkeys::bind(const QList<KeyCombo> &all, std::function<void()> pressed
     outcome(refusals);
 }
 
+void MemorySecretStore::add(const QString &service, const QString &account,
+                            const QByteArray &secret, std::function<void(Outcome)> done) {
+    const QString item = service + u'/' + account;
+    ask({[this, item, secret]() -> Answer {
+             if (refusesAdditions)
+                 return {};
+             secrets[item] = secret;
+             return {Outcome::Done, {}};
+         },
+         [done = std::move(done)](const Answer &given) { done(given.outcome); }});
+}
+
+void MemorySecretStore::copy(const QString &service, const QString &account,
+                             std::function<void(const Answer &)> done,
+                             std::function<void()> waitsForUser) {
+    const QString item = service + u'/' + account;
+    ask({[this, item]() -> Answer {
+             ++reads;
+             return {Outcome::Done, secrets.value(item)};
+         },
+         std::move(done), std::move(waitsForUser)});
+    m_requests.back().item = item;
+}
+
+void MemorySecretStore::remove(const QString &service, const QString &account,
+                               std::function<void(Outcome)> done) {
+    const QString item = service + u'/' + account;
+    ask({[this, item]() -> Answer {
+             secrets.remove(item);
+             return {Outcome::Done, {}};
+         },
+         [done = std::move(done)](const Answer &given) { done(given.outcome); }});
+    m_requests.back().item = item;
+}
+
+void MemorySecretStore::ask(Request request) {
+    m_requests.push_back(std::move(request));
+    if (m_requests.size() == 1)
+        Platform::current().dispatch->toMain([this] { runNext(); });
+}
+
+void MemorySecretStore::runNext() {
+    if (m_requests.empty()) // cancelled
+        return;
+    const Request &request = m_requests.front();
+    if (failure) {
+        answer({*failure, {}});
+    } else if (!request.item.isEmpty() && !secrets.contains(request.item)) {
+        answer({Outcome::Absent, {}});
+    } else if (isLocked) {
+        m_isPrompting = true;
+        if (request.waitsForUser)
+            request.waitsForUser();
+    } else {
+        answer(request.perform());
+    }
+}
+
+void MemorySecretStore::answerPrompt(bool unlock) {
+    m_isPrompting = false;
+    isLocked = !unlock;
+    answer(unlock ? m_requests.front().perform() : Answer{Outcome::Refused, {}});
+}
+
+void MemorySecretStore::answer(const Answer &answer) {
+    const auto done = std::move(m_requests.front().done);
+    m_requests.pop_front();
+    if (!m_requests.empty())
+        Platform::current().dispatch->toMain([this] { runNext(); });
+    done(answer);
+}
+
 FakePlatform::FakePlatform() {
     pasteboard->clock = dispatch;
     Platform::install({dispatch, pasteboard, pasteKeys, secureInput, frontWindow, hotkeys,
                        childProcess, notifications, defaults, secretStore, alerts, workspace,
-                       nullptr, urlSession, loginItems});
+                       trayHost, urlSession, loginItems});
     CurrentRun::startAfresh();
     Settings::restart();
     setWording(macWording());

@@ -6,6 +6,7 @@
 #include <QHash>
 #include <QVariantHash>
 
+#include <list>
 #include <map>
 
 /// A main queue, a background queue and a clock that move only when told.
@@ -187,9 +188,15 @@ public:
     }
     void set(const QString &key, const QVariant &value) override { stored[key] = value; }
     void remove(const QString &key) override { stored.remove(key); }
+    void flush() override {
+        ++flushes;
+        onDisk = stored;
+    }
     void onProblem(std::function<void(const QString &)>) override {}
 
     QVariantHash stored;
+    QVariantHash onDisk; ///< what was stored at the last flush
+    int flushes = 0;
 
 private:
     template <class T>
@@ -201,25 +208,41 @@ private:
     }
 };
 
+/// A keyring in memory that can be locked; its user answers the prompt when told to.
 class MemorySecretStore : public SecretStore {
 public:
-    bool add(const QString &service, const QString &account, const QByteArray &secret) override {
-        if (!refusesAdditions)
-            secrets[service + u'/' + account] = secret;
-        return !refusesAdditions;
-    }
-    std::optional<QByteArray> copy(const QString &service, const QString &account) override {
-        ++reads;
-        const auto found = secrets.constFind(service + u'/' + account);
-        return found == secrets.constEnd() ? std::nullopt : std::optional(*found);
-    }
-    void remove(const QString &service, const QString &account) override {
-        secrets.remove(service + u'/' + account);
-    }
+    void add(const QString &service, const QString &account, const QByteArray &secret,
+             std::function<void(Outcome)> done) override;
+    void copy(const QString &service, const QString &account,
+              std::function<void(const Answer &)> done,
+              std::function<void()> waitsForUser) override;
+    void remove(const QString &service, const QString &account,
+                std::function<void(Outcome)> done) override;
+    void cancelAll() override { m_requests.clear(); }
+
+    bool isPrompting() const { return m_isPrompting; }
+    /// The user unlocks the keyring or dismisses its prompt.
+    void answerPrompt(bool unlock);
 
     QHash<QString, QByteArray> secrets; ///< by "service/account"
+    bool isLocked = false;
+    std::optional<Outcome> failure; ///< of every request, instead of what it would do
     bool refusesAdditions = false;
     int reads = 0;
+
+private:
+    struct Request {
+        std::function<Answer()> perform;
+        std::function<void(const Answer &)> done;
+        std::function<void()> waitsForUser{};
+        QString item{}; ///< "service/account" that has to be there; none for an addition
+    };
+    void ask(Request request);
+    void runNext();
+    void answer(const Answer &answer);
+
+    std::list<Request> m_requests; ///< one at a time, the first is under way
+    bool m_isPrompting = false;
 };
 
 class FakeAlerts : public Alerts {
@@ -241,10 +264,11 @@ public:
     }
     bool openUrl(const QUrl &url) override {
         urls.append(url.toString());
-        return true;
+        return opensUrls;
     }
 
     QStringList urls;
+    bool opensUrls = true;
     int opened = 0;
     QString missing;
 };
@@ -260,6 +284,7 @@ public:
         return static_cast<TaskId>(requests.size());
     }
     void cancel(TaskId task) override { cancelled.append(task); }
+    void cancelAll() override {}
     void warmUp() override {}
     void prepareConnection(const QUrl &url) override { prepared.append(url.toString()); }
 
@@ -284,6 +309,13 @@ private:
         current = error.isEmpty() ? wanted : current;
         return error;
     }
+};
+
+/// A desktop without a place for icons.
+class FakeTrayHost : public TrayHost {
+public:
+    bool isAvailable() override { return false; }
+    void onChange(std::function<void()>) override {}
 };
 
 class FakeApp : public AppDelegate {
@@ -318,6 +350,7 @@ struct FakePlatform {
     std::shared_ptr<MemorySecretStore> secretStore = std::make_shared<MemorySecretStore>();
     std::shared_ptr<FakeAlerts> alerts = std::make_shared<FakeAlerts>();
     std::shared_ptr<FakeWorkspace> workspace = std::make_shared<FakeWorkspace>();
+    std::shared_ptr<FakeTrayHost> trayHost = std::make_shared<FakeTrayHost>();
     std::shared_ptr<FakeUrlSession> urlSession = std::make_shared<FakeUrlSession>();
     std::shared_ptr<FakeLoginItems> loginItems = std::make_shared<FakeLoginItems>();
     FakeApp app;

@@ -1,4 +1,5 @@
 #include "model/HotkeyFormat.h"
+#include "model/HotkeyWords.h"
 #include "model/PasteFormat.h"
 #include "model/TypeEmojiMapping.h"
 
@@ -15,6 +16,8 @@ private Q_SLOTS:
     void readsPasteFormats();
     void namesKeys();
     void describesHotkeys();
+    void describesHotkeysInWords_data();
+    void describesHotkeysInWords();
     void convertsModifierFlags();
     void findsEmoji_data();
     void findsEmoji();
@@ -61,6 +64,64 @@ void TestModelValues::describesHotkeys() {
     QCOMPARE(HotkeyFormat::describe(9, 6400), u"\u2303\u2325\u2318V"_s);
     QCOMPARE(HotkeyFormat::describe(49, 0x1B00), u"\u2303\u2325\u21E7\u2318Space"_s);
     QCOMPARE(HotkeyFormat::describe(9, 0xFFFFE4FF), u"V"_s);
+}
+
+void TestModelValues::describesHotkeysInWords_data() {
+    QTest::addColumn<quint32>("keyCode");
+    QTest::addColumn<quint32>("modifiers");
+    QTest::addColumn<QString>("words");
+
+    using namespace HotkeyFormat;
+    const auto row = [](quint32 keyCode, quint32 modifiers, const char *words) {
+        QTest::newRow(words) << keyCode << modifiers << QString::fromUtf8(words);
+    };
+    row(9, controlKey | optionKey | cmdKey, "Ctrl+Alt+Super+V");
+    row(29, controlKey | optionKey | shiftKey | cmdKey, "Ctrl+Alt+Shift+Super+0");
+    row(0, cmdKey, "Super+A");
+    row(36, 0, "Return");
+    row(49, 0xFFFFE4FF, "Space");
+    // What keyboards have beside letters and digits.
+    for (const auto &[keyCode, words] : {std::pair{48U, "Tab"},
+                                         {51U, "Backspace"},
+                                         {53U, "Escape"},
+                                         {76U, "Keypad Enter"},
+                                         {114U, "Insert"},
+                                         {117U, "Delete"},
+                                         {115U, "Home"},
+                                         {119U, "End"},
+                                         {116U, "Page Up"},
+                                         {121U, "Page Down"},
+                                         {123U, "Left"},
+                                         {124U, "Right"},
+                                         {125U, "Down"},
+                                         {126U, "Up"},
+                                         {122U, "F1"},
+                                         {120U, "F2"},
+                                         {99U, "F3"},
+                                         {118U, "F4"},
+                                         {96U, "F5"},
+                                         {97U, "F6"},
+                                         {98U, "F7"},
+                                         {100U, "F8"},
+                                         {101U, "F9"},
+                                         {109U, "F10"},
+                                         {103U, "F11"},
+                                         {111U, "F12"},
+                                         {82U, "Keypad 0"},
+                                         {92U, "Keypad 9"},
+                                         {27U, "-"},
+                                         {24U, "="},
+                                         {43U, ","},
+                                         {47U, "."},
+                                         {10U, "<"},
+                                         {63U, "key 63"}})
+        row(keyCode, 0, words);
+}
+
+void TestModelValues::describesHotkeysInWords() {
+    QFETCH(quint32, keyCode);
+    QFETCH(quint32, modifiers);
+    QTEST(hotkeyInWords(keyCode, modifiers), "words");
 }
 
 void TestModelValues::convertsModifierFlags() {

@@ -64,34 +64,102 @@ private Q_SLOTS:
             {"maybe", {}, {}},
             {"12", 12, {}},
             {"1", 1, true},
+            {"0", 0, false},
+            {"2", 2, {}},
             {"False", {}, false},
+            {"TRUE", {}, true},
+            {"Off", {}, false},
+            {"on", {}, true},
+            {"NO", {}, false},
+            {"Yes", {}, true},
+            {"n", {}, false},
+            {"Y", {}, true},
+            {"offline", {}, {}},
             {"{key}, {summary}", {}, {}},
             {"@{key}, {summary}", {}, {}},
             {"99999999999999999999", {}, {}},
         };
         for (const auto &[text, integer, boolean] : cases) {
-            write(m_path, "[General]\nk=" + text.toUtf8() + "\nv=@Variant(\\0\\0)\n");
-            const SettingsFile file(m_path);
+            const QString path = m_folder->filePath(text.left(5)); // it is cached by its path
+            write(path, "[General]\nk=" + text.toUtf8() + "\nv=@Variant(\\0\\0)\n");
+            const SettingsFile file(path);
             QCOMPARE(file.string("k"), text);
-            QCOMPARE(file.integer("k"), integer);
-            QCOMPARE(file.boolean("k"), boolean);
+            QVERIFY2(file.integer("k") == integer, qPrintable(text));
+            QVERIFY2(file.boolean("k") == boolean, qPrintable(text));
             QVERIFY(!file.data("k") && !file.string("v"));
         }
     }
 
-    void damagedFileIsKeptAsideBeforeItIsReplaced() {
-        const QByteArray damaged =
-            "[General]\njiraEmail=ann\nthis is no setting\n\xff\xfe\0garbage";
-        write(m_path, damaged);
+    void damage_data() {
+        QTest::addColumn<QByteArray>("content");
+        QTest::addColumn<QString>("email");
+        QTest::addColumn<bool>("isDamaged");
+        const QByteArray sound = "[General]\njiraEmail=ann\n";
+        const QByteArray mark = "\xef\xbb\xbf";
+        QTest::newRow("sound") << sound << "ann" << false;
+        QTest::newRow("empty") << QByteArray() << "(none)" << false;
+        QTest::newRow("mark") << mark + sound << "ann" << false;
+        QTest::newRow("mark alone") << mark << "(none)" << false;
+        QTest::newRow("mark, no group") << mark + "jiraEmail=ann\n"
+                                        << "ann" << false;
+        QTest::newRow("mark and damage") << mark + sound + "no setting\n"
+                                         << "ann" << true;
+        QTest::newRow("no setting") << sound + "this is no setting\n\xff\xfe"
+                                    << "ann" << true;
+        QTest::newRow("not UTF-8")
+            << QByteArray("[General]\njiraEmail=J\xfcrgen\n") << u"J\uFFFDrgen"_qs << true;
+        QTest::newRow("not UTF-8, another key") << sound + "l=\xfc\n"
+                                                << "ann" << true;
+        QTest::newRow("half a character at the end") << sound + "l=\xc3"
+                                                     << "ann" << true;
+        QTest::newRow("a pair") << QByteArray("jiraEmail=\\xd83d\\xdc1e\n") << "🐞" << false;
+        QTest::newRow("half a pair") << QByteArray("jiraEmail=a\\xdddd\n") << u"a\uFFFD"_qs << true;
+        QTest::newRow("half a pair in pieces")
+            << QByteArray("jiraEmail=a\\xd83d, \\xdc1e\n") << u"a\uFFFD, \uFFFD"_qs << true;
+    }
+    /// What can't be read is told of and kept aside, and the rest stays as it was read.
+    void damage() {
+        QFETCH(QByteArray, content);
+        QFETCH(QString, email);
+        QFETCH(bool, isDamaged);
+        write(m_path, content);
         SettingsFile file(m_path);
         listen(file);
-        QCOMPARE(m_problems.size(), 1);
-        QCOMPARE(file.string("jiraEmail"), QString("ann"));
-        QCOMPARE(contentOf(m_path), damaged);
+        QCOMPARE(m_problems.value(0, "none").startsWith("the settings file is damaged"), isDamaged);
+        QCOMPARE(file.string("jiraEmail").value_or("(none)"), email);
+        QCOMPARE(contentOf(m_path), content);
         file.set("commentEmoji", "x");
-        QCOMPARE(contentOf(m_path + ".damaged"), damaged);
-        QCOMPARE(m_problems.size(), 2);
-        QCOMPARE(SettingsFile(m_path).string("jiraEmail"), QString("ann"));
+        file.flush();
+        QCOMPARE(contentOf(m_path + ".damaged"), isDamaged ? content : "(unreadable)");
+        QCOMPARE(m_problems.size(), isDamaged ? 2 : 0);
+        const SettingsFile again(copyOf(m_path));
+        QCOMPARE(again.string("jiraEmail").value_or("(none)"), email);
+        QCOMPARE(again.string("commentEmoji"), QString("x"));
+    }
+
+    void damageDoneMeanwhileIsKeptAside() {
+        SettingsFile file(m_path);
+        listen(file);
+        write(m_path, "jiraEmail=J\xfcrgen\n"); // by an editor
+        file.set("commentEmoji", "x");
+        file.flush();
+        QCOMPARE(contentOf(m_path + ".damaged"), "jiraEmail=J\xfcrgen\n");
+        QCOMPARE(m_problems, QStringList("the damaged settings file was kept as b.conf.damaged"));
+    }
+
+    void nothingIsWrittenBeforeTheFlush() {
+        SettingsFile file(m_path);
+        file.set("k", "v");
+        file.set("gone", "v");
+        file.remove("gone");
+        QCOMPARE(file.string("k"), QString("v"));
+        QCoreApplication::processEvents();
+        QVERIFY(!QFile::exists(m_path));
+        file.flush();
+        QCOMPARE(contentOf(m_path), "[General]\nk=v\n");
+        QFile::remove(m_path);
+        file.flush(); // has nothing new
+        QVERIFY(!QFile::exists(m_path));
     }
 
     void unreadableFileGivesDefaultsAndAProblem() {
@@ -101,6 +169,7 @@ private Q_SLOTS:
         QCOMPARE(m_problems.size(), 1);
         QVERIFY(!file.string("k"));
         file.set("k", "v");
+        file.flush();
         QCOMPARE(file.string("k"), QString("v")); // lasts in memory
         QVERIFY(m_problems.size() > 1);
     }
@@ -117,12 +186,14 @@ private Q_SLOTS:
         const rlimit full{0, usual.rlim_max};
         setrlimit(RLIMIT_FSIZE, &full);
         file.set("k", "new");
+        file.flush();
         setrlimit(RLIMIT_FSIZE, &usual);
         std::signal(SIGXFSZ, handler);
         QCOMPARE(m_problems.size(), 1);
         QCOMPARE(file.string("k"), QString("new"));
         QCOMPARE(contentOf(m_path), before);
         file.set("k", "newer");
+        file.flush();
         QCOMPARE(SettingsFile(m_path).string("k"), QString("newer"));
     }
 
@@ -162,6 +233,12 @@ private Q_SLOTS:
 private:
     void listen(SettingsFile &file) {
         file.onProblem([this](const QString &problem) { m_problems.append(problem); });
+    }
+
+    /// The toolkit keeps what it read under a name.
+    static QString copyOf(const QString &path) {
+        QFile::copy(path, path + ".copy");
+        return path + ".copy";
     }
 
     std::unique_ptr<QTemporaryDir> m_folder;

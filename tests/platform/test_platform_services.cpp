@@ -1,7 +1,5 @@
 #include "platform/linux/AccessibleFocus.h"
 #include "platform/linux/DBusNotifications.h"
-#include "platform/linux/SecretServiceStore.h"
-#include "stage/Keyring.h"
 #include "stage/VirtualDesktop.h"
 #include "support/NotificationLog.h"
 
@@ -17,8 +15,7 @@ class TestServices : public QObject {
 
 private Q_SLOTS:
     void initTestCase() {
-        m_desktop = std::make_unique<VirtualDesktop>(
-            DesktopOptions{.notifications = true, .keyring = true});
+        m_desktop = std::make_unique<VirtualDesktop>(DesktopOptions{.notifications = true});
         QVERIFY2(m_desktop->problem().isEmpty(), qPrintable(m_desktop->problem()));
         for (const char *name : {"DISPLAY", "DBUS_SESSION_BUS_ADDRESS", "XDG_RUNTIME_DIR"})
             qputenv(name, m_desktop->environment().value(name).toLocal8Bit());
@@ -41,29 +38,11 @@ private Q_SLOTS:
         QVERIFY(failures.isEmpty());
     }
 
-    void secretsAreKeptApartReplacedAndRemoved() {
-        SecretServiceStore store;
-        const QString service = "org.ostrowind.brindle";
-        QVERIFY(!store.copy(service, "a"));
-        QVERIFY(store.add(service, "a", "one\n é"));
-        QVERIFY(store.add(service, "b", "two"));
-        QCOMPARE(store.copy(service, "a"), QByteArray("one\n é"));
-        store.remove(service, "a");
-        QVERIFY(!store.copy(service, "a"));
-        QCOMPARE(store.copy(service, "b"), QByteArray("two"));
-        QVERIFY(lockKeyring(*m_desktop));
-        QVERIFY(!store.add(service, "b", "three"));
-        QVERIFY(!store.copy(service, "b"));
-    }
-
     // Last: the bus goes away with the desktop.
     void withoutTheServicesNothingHangs() {
         m_desktop.reset();
         QElapsedTimer timer;
         timer.start();
-        SecretServiceStore store;
-        QVERIFY(!store.add("s", "a", "x"));
-        QVERIFY(!store.copy("s", "a"));
         QVERIFY(!AccessibleFocus::isPasswordField(1s));
         DBusNotifications notifications;
         QString failure;

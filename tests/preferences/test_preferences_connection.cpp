@@ -1,4 +1,5 @@
 #include "fakes/FakePlatform.h"
+#include "preferences/PreferencesView.h"
 #include "preferences/connection/ConnectionTab.h"
 #include "preferences/kit/ResultLine.h"
 #include "preferences/template/TemplatePreview.h"
@@ -57,6 +58,10 @@ struct Scene : FakePlatform {
         tab = std::make_unique<ConnectionTab>();
         tab->show();
         dispatch->drain();
+    }
+    void answerPrompts(bool unlock) {
+        for (dispatch->drain(); secretStore->isPrompting(); dispatch->drain())
+            secretStore->answerPrompt(unlock);
     }
     QLineEdit *token(int block) const {
         return find<QLineEdit>(*tab, block == 0 ? "Jira API Token" : "Confluence API Token");
@@ -204,6 +209,108 @@ private Q_SLOTS:
         QCOMPARE(scene.token(0)->echoMode(), QLineEdit::Password);
         click(find<QPushButton>(*scene.tab, "Create or manage API tokens at id.atlassian.com"));
         QVERIFY(scene.workspace->urls.value(0).endsWith("/manage-profile/security/api-tokens"));
+    }
+
+    void lockedKeyring_data() {
+        QTest::addColumn<int>("block");
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<bool>("isTest");
+        QTest::addColumn<bool>("unlocks");
+        QTest::addColumn<QString>("told");
+        QTest::addColumn<QByteArray>("left");
+        const QString unchanged = " It is still locked; nothing was changed.";
+        QTest::newRow("clear") << 0 << "" << false << true << "Token cleared." << QByteArray();
+        QTest::newRow("clear, refused")
+            << 0 << "" << false << false << "! Failed to clear token in Keychain." + unchanged
+            << QByteArray("old");
+        QTest::newRow("save") << 1 << "new" << false << true
+                              << "Confluence token saved to Keychain." << QByteArray("new");
+        QTest::newRow("save, refused")
+            << 1 << "new" << false << false
+            << "! Failed to save Confluence token to Keychain." + unchanged << QByteArray("old");
+        QTest::newRow("test") << 0 << "new" << true << true << "Connected to h.example."
+                              << QByteArray("new");
+        QTest::newRow("test, refused")
+            << 0 << "new" << true << false << "! Failed to save token to Keychain." + unchanged
+            << QByteArray("old");
+        QTest::newRow("test of nothing")
+            << 1 << " " << true << true << "Connected to Confluence on h.example."
+            << QByteArray("old");
+        QTest::newRow("test of nothing, refused")
+            << 0 << "" << true << false
+            << "! Failed to read token from Keychain. It is still locked." << QByteArray("old");
+    }
+    /// The prompts that came with the tab were dismissed, so the fields are empty.
+    void lockedKeyring() {
+        QFETCH(int, block);
+        QFETCH(QString, text);
+        QFETCH(bool, isTest);
+        QFETCH(bool, unlocks);
+        QFETCH(QString, told);
+        QFETCH(QByteArray, left);
+        Scene scene;
+        const std::optional<QDateTime> before = scene.dispatch->wallTime().addDays(-3);
+        Settings::shared().tokenSavedAt = before;
+        scene.secretStore->secrets = {{secret[0], "old"}, {secret[1], "old"}};
+        scene.secretStore->isLocked = true;
+        scene.open();
+        QCOMPARE(scene.told(0), "Keychain is waiting for its password.");
+        QVERIFY(!scene.save(0)->isEnabled());
+        scene.answerPrompts(false);
+        QCOMPARE(scene.told(0), "! Failed to read token from Keychain. It is still locked.");
+        QCOMPARE(scene.told(1),
+                 "! Failed to read Confluence token from Keychain. It is still locked.");
+        QCOMPARE(scene.token(block)->text(), "");
+
+        type(scene.token(block), text);
+        click(isTest ? scene.test(block) : scene.save(block));
+        scene.answerPrompts(unlocks);
+        QCOMPARE(scene.told(block), told);
+        QCOMPARE(scene.secretStore->secrets.value(secret[block]), left);
+        QCOMPARE(scene.secretStore->secrets.value(secret[1 - block]), "old");
+        const bool isChanged = block == 0 && left != "old";
+        QCOMPARE(Settings::shared().tokenSavedAt() == before, !isChanged);
+        // What was read after all is shown, unless something stands there.
+        QCOMPARE(scene.token(block)->text(), text.isEmpty() && isTest && unlocks ? "old" : text);
+    }
+
+    void keyringThatFailsIsNotEmpty() {
+        Scene scene;
+        scene.secretStore->secrets[secret[0]] = "old";
+        scene.secretStore->failure = SecretStore::Outcome::Unavailable;
+        scene.open();
+        QCOMPARE(scene.told(0), "! Failed to read token from Keychain.");
+        click(scene.save(0));
+        scene.dispatch->drain();
+        QCOMPARE(scene.told(0), "! Failed to clear token in Keychain.");
+        scene.secretStore->failure.reset();
+        click(scene.test(0));
+        scene.dispatch->drain();
+        QCOMPARE(scene.told(0), "Connected to h.example.");
+        QCOMPARE(scene.token(0)->text(), "old");
+    }
+
+    void typedAddressIsWrittenAtAPauseOrWhenTheFieldIsLeft() {
+        Scene scene;
+        PreferencesView view;
+        view.selectTab(PreferencesTab::Connection);
+        view.show();
+        view.activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(&view));
+        scene.dispatch->drain();
+        auto *address = find<QLineEdit>(view, "Base URL");
+        QVERIFY(address);
+        address->setFocus();
+        const int writes = scene.defaults->flushes;
+        type(address, "https://x.example");
+        QCOMPARE(Settings::shared().baseURL(), "https://x.example");
+        QCOMPARE(scene.defaults->flushes, writes);
+        scene.dispatch->advance(std::chrono::milliseconds(500));
+        QCOMPARE(scene.defaults->flushes, writes + 1);
+        QTest::keyClick(address, Qt::Key_A);
+        QCOMPARE(scene.defaults->onDisk.value("jiraBaseURL"), "https://x.example");
+        find<QLineEdit>(view, "Atlassian Email")->setFocus();
+        QCOMPARE(scene.defaults->onDisk.value("jiraBaseURL"), "https://x.examplea");
     }
 
     void preview() {

@@ -52,9 +52,12 @@ private Q_SLOTS:
         QVERIFY(!copy->isEnabled() && !clear->isEnabled() && !scene.list()->isVisible());
         log("again");
         scene.view.hide();
-        log("unseen\nline");
+        LogStore::shared().write(u"un\nseen\r\u2029\u2028\u0085\uFDD0\uFDD1\uFFFEline"_qs);
+        log("last");
         scene.view.show();
-        QCOMPARE(scene.rows(), QStringList({"14:03:09\tagain", "14:03:09\tunseen", "line"}));
+        QCOMPARE(scene.rows(),
+                 QStringList({"14:03:09\tagain", u"14:03:09\tun seen    \uFFFD\uFFFD\uFFFDline"_qs,
+                              "14:03:09\tlast"}));
         QVERIFY(!scene.list()->textCursor().hasSelection());
     }
 

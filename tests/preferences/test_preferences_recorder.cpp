@@ -1,53 +1,23 @@
 #include "desktop/HotkeyManager.h"
 #include "fakes/FakePlatform.h"
-#include "platform/qt/QtDispatch.h"
-#include "platform/x11/X11EventSource.h"
-#include "platform/x11/X11Hotkeys.h"
-#include "preferences/hotkey/HotkeyRecorder.h"
-#include "stage/JsonLines.h"
-#include "stage/VirtualDesktop.h"
+#include "preferences/RecorderWindow.h"
+#include "preferences/kit/Caption.h"
+#include "preferences/kit/Style.h"
 #include "stage/VirtualKeyboard.h"
 #include "storage/Settings.h"
 
-#include <QAbstractNativeEventFilter>
 #include <QApplication>
-#include <QLineEdit>
-#include <QPushButton>
-#include <QShortcut>
-#include <QTest>
 
 namespace {
 
 constexpr Qt::KeyboardModifiers ctrlAltSuper =
     Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier;
 
-/// Takes every key that is left to it.
-struct Field : QLineEdit {
-    using QLineEdit::QLineEdit;
-    void keyPressEvent(QKeyEvent *) override { ++keys; }
-    int keys = 0;
-};
-
-/// The two rows in a window with something else to focus.
-struct Window : QWidget {
-    HotkeyRecorder primary{RecordedHotkey::Primary, this};
-    HotkeyRecorder alternate{RecordedHotkey::Alternate, this};
-    Field other{this};
-};
-
-QPushButton *button(const HotkeyRecorder &row, int place) {
-    return row.findChildren<QPushButton *>().at(place);
-}
-
-void click(QPushButton *target) {
-    QTest::mouseClick(target, Qt::LeftButton);
-}
-
 /// The window on a desktop whose hotkey ⌃⌥⌘V is registered, with the focus in the other field.
 struct Scene : FakePlatform {
     Scene() {
         const std::pair<int, quint32> keys[] = {
-            {KEY_J, 38}, {KEY_K, 40}, {KEY_V, 9}, {KEY_SPACE, 49}};
+            {KEY_A, 0}, {KEY_J, 38}, {KEY_K, 40}, {KEY_V, 9}, {KEY_SPACE, 49}};
         for (const auto &[evdev, code] : keys)
             hotkeys->virtualKeys[static_cast<quint32>(keyCode(evdev))] = code;
         HotkeyManager::shared().install({{9, 6400}}, [] {});
@@ -79,8 +49,19 @@ struct Scene : FakePlatform {
         dispatch->advance(std::chrono::seconds(1));
     }
     QString title(const HotkeyRecorder &row) const { return button(row, 0)->text(); }
+    /// The line below a row; empty while there is none.
+    QString problem(const HotkeyRecorder &row) const {
+        const auto *line = row.findChild<Caption *>();
+        return line->isVisible() ? line->text() : QString();
+    }
+    /// What the application does to register the hotkeys of the settings.
+    static void install() {
+        const auto combo = [](RecordedHotkey hotkey) { return HotkeyRecording::stored(hotkey); };
+        HotkeyManager::shared().install(
+            {combo(RecordedHotkey::Primary), combo(RecordedHotkey::Alternate)}, [] {});
+    }
 
-    Window window;
+    RecorderWindow window;
 };
 
 } // namespace
@@ -160,6 +141,81 @@ private Q_SLOTS:
         QCOMPARE(alternate->text(), "Not set");
     }
 
+    void whatCannotBeAHotkeyIsSaid() {
+        const QString unusable = " can't be used as a hotkey";
+        const QString taken = " is taken by another program";
+        for (const bool isPrimary : {true, false}) {
+            Scene scene;
+            const auto &row = isPrimary ? scene.window.primary : scene.window.alternate;
+            const auto &other = isPrimary ? scene.window.alternate : scene.window.primary;
+            const auto record = [&](int evdev) {
+                click(button(row, 0));
+                QCOMPARE(scene.problem(row), "");
+                scene.press(evdev, ctrlAltSuper);
+                scene.release(evdev);
+                scene.install();
+            };
+            record(KEY_A);
+            QCOMPARE(scene.problem(row), "⌃⌥⌘A" + unusable + ".");
+            QVERIFY(scene.takeLog().contains("hotkey: ⌃⌥⌘A" + unusable));
+            QVERIFY(Style::contrast(
+                        row.findChild<Caption *>()->palette().color(QPalette::WindowText),
+                        Style::colour(Style::ColourRole::Warning, scene.window.palette())) < 1.01);
+
+            scene.hotkeys->taken = {{40, 6400}};
+            record(KEY_K);
+            QCOMPARE(scene.problem(row), "⌃⌥⌘K" + taken + ".");
+            QVERIFY(scene.takeLog().contains("hotkey: ⌃⌥⌘K" + taken));
+            scene.hotkeys->taken.clear();
+            scene.install(); // it was given back
+            QCOMPARE(scene.problem(row), "");
+            record(KEY_J);
+            QCOMPARE(scene.problem(row), "");
+            QCOMPARE(scene.problem(other), "");
+        }
+        // One of an earlier session, with a button that says "Not set".
+        Scene scene;
+        Settings::shared().hotkey2Modifiers = 6400U;
+        const HotkeyRecorder row(RecordedHotkey::Alternate);
+        QVERIFY(row.findChild<Caption *>()->isHidden());
+    }
+
+    void onlyWhatChangedIsStored() {
+        Scene scene;
+        scene.defaults->stored.clear();
+        click(button(scene.window.primary, 0));
+        scene.press(KEY_V, ctrlAltSuper);
+        QVERIFY2(scene.defaults->stored.isEmpty(),
+                 qPrintable(scene.defaults->stored.keys().join(' ')));
+        scene.release(KEY_V);
+        click(button(scene.window.primary, 0));
+        scene.press(KEY_K, ctrlAltSuper);
+        QCOMPARE(scene.defaults->stored.keys(), QStringList("hotkeyKeyCode"));
+        scene.release(KEY_K);
+    }
+
+    void returnIsForTheDefaultButton() {
+        for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter}) {
+            Scene scene;
+            scene.window.primary.setFocus();
+            const auto from = key == Qt::Key_Enter ? Qt::KeypadModifier : Qt::NoModifier;
+            QTest::keyClick(&scene.window, key, from);
+            QVERIFY2(HotkeyRecording::shared().current() == RecordedHotkey::Primary,
+                     key == Qt::Key_Enter ? "the key pad" : "Return");
+        }
+    }
+
+    void tooltipsSayWhatTheButtonsDo() {
+        const Scene scene;
+        QCOMPARE(button(scene.window.primary, 0)->toolTip(),
+                 "Click, then press the key combination you want to use.");
+        QCOMPARE(button(scene.window.primary, 1)->toolTip(), "Reset to ⌃⌥⌘V (the default hotkey).");
+        QCOMPARE(button(scene.window.alternate, 0)->toolTip(),
+                 "Click, then press a key combination. Useful when your laptop and external "
+                 "keyboard have different modifier layouts.");
+        QCOMPARE(button(scene.window.alternate, 1)->toolTip(), "Remove the alternate shortcut.");
+    }
+
     void pausesOffTheScreen() {
         Scene scene;
         click(button(scene.window.primary, 0));
@@ -171,95 +227,7 @@ private Q_SLOTS:
         QVERIFY(!scene.press(KEY_K, ctrlAltSuper));
         QCOMPARE(scene.title(scene.window.primary), "⌃⌥⌘K");
     }
-
-    void realKeys() {
-        const VirtualDesktop desktop({.physicalKeyboard = true, .bus = false});
-        QVERIFY2(desktop.problem().isEmpty(), qPrintable(desktop.problem()));
-        StageProcess recorder(desktop.environment());
-        QVERIFY(recorder.launch(QCoreApplication::applicationFilePath(), {"--recorder"}));
-        QVERIFY(!recorder.waitForEvent("listening").isEmpty());
-        VirtualKeyboard keyboard(desktop.keyboardDisplay());
-        const QList<int> modifiers{keyCode(KEY_LEFTCTRL), keyCode(KEY_LEFTALT),
-                                   keyCode(KEY_LEFTMETA)};
-        const int v = keyCode(KEY_V);
-
-        // The combination is registered, and a shortcut of the window as well.
-        for (const int modifier : modifiers)
-            QVERIFY(keyboard.press(modifier));
-        QVERIFY(keyboard.press(v));
-        QCOMPARE(recorder.waitForEvent("stored")["hotkey"].toString(), "⌃⌥⌘V");
-        const int heldFor = 6; // three modifiers, the key and its repeats
-        QVERIFY(!recorder.waitForEvent("pressed", heldFor).isEmpty());
-        QVERIFY(recorder.events("fired").isEmpty());
-        QVERIFY(keyboard.release(v));
-        QVERIFY(!recorder.waitForEvent("installed", 1).isEmpty());
-        QVERIFY(keyboard.tap(v));
-        QVERIFY(!recorder.waitForEvent("fired").isEmpty());
-        QVERIFY(recorder.events("shortcut").isEmpty());
-        for (const int modifier : modifiers)
-            QVERIFY(keyboard.release(modifier));
-    }
 };
 
-namespace {
-
-/// Installs the hotkey of the settings and tells of it.
-class InstallingApp : public FakeApp {
-public:
-    void reinstallHotkey() override {
-        const Settings &settings = Settings::shared();
-        HotkeyManager::shared().install({{settings.hotkeyKeyCode(), settings.hotkeyModifiers()}},
-                                        [] { say("fired"); });
-        say("installed");
-    }
-};
-
-/// Tells of every key press that the server sends to the window, repeats included.
-class PressWitness : public QAbstractNativeEventFilter {
-public:
-    bool nativeEventFilter(const QByteArray &, void *message, qintptr *) override {
-        if ((static_cast<xcb_generic_event_t *>(message)->response_type & 0x7f) == XCB_KEY_PRESS)
-            say("pressed");
-        return false;
-    }
-};
-
-/// The recorder on a real display, its ⌃⌥⌘V registered, recording.
-int runRecorder(int &argc, char **argv) {
-    const QApplication application(argc, argv);
-    FakePlatform fakes;
-    Platform platform = Platform::current();
-    platform.dispatch = std::make_shared<QtDispatch>();
-    const auto x11 = connectToX11();
-    platform.hotkeys = std::make_shared<X11Hotkeys>(x11);
-    Platform::install(platform);
-    InstallingApp app;
-    app.reinstallHotkey();
-
-    Window window;
-    const QShortcut shortcut(QKeySequence("Ctrl+Alt+Meta+V"), &window);
-    QObject::connect(&shortcut, &QShortcut::activated, [] { say("shortcut"); });
-    window.show();
-    if (!QTest::qWaitForWindowActive(&window, 15000))
-        return 1;
-    click(button(window.primary, 0));
-    QObject::connect(&HotkeyRecording::shared(), &HotkeyRecording::changed, [] {
-        say("stored", {{"hotkey", Settings::shared().hotkeyDisplay()}});
-    });
-    PressWitness witness;
-    qApp->installNativeEventFilter(&witness);
-    x11->sync(); // the server takes keys before it takes the hotkey away otherwise
-    say("listening");
-    return QApplication::exec();
-}
-
-} // namespace
-
-int main(int argc, char **argv) {
-    if (argc > 1 && QByteArray(argv[1]) == "--recorder")
-        return runRecorder(argc, argv);
-    const QApplication application(argc, argv);
-    TestRecorder test;
-    return QTest::qExec(&test, argc, argv);
-}
+QTEST_MAIN(TestRecorder)
 #include "test_preferences_recorder.moc"

@@ -1,81 +1,27 @@
-#include "fakes/FakePlatform.h"
-#include "preferences/PreferencesView.h"
-#include "preferences/emoji/EmojiPicker.h"
-#include "preferences/emoji/EmojiPickerField.h"
+#include "model/TemplateCatalog.h"
+#include "preferences/PreferencesScene.h"
 #include "preferences/hotkey/HotkeyRecording.h"
 #include "preferences/kit/Caption.h"
 #include "preferences/kit/SegmentedPicker.h"
 #include "preferences/kit/Style.h"
 #include "preferences/kit/Switch.h"
-#include "preferences/kit/WrappingText.h"
-#include "storage/Settings.h"
 
-#include <QAccessible>
 #include <QApplication>
-#include <QLabel>
+#include <QLineEdit>
+#include <QScrollArea>
 #include <QSet>
-#include <QTest>
 
-namespace {
-
-QString nameOf(QWidget *widget) {
-    QAccessibleInterface *face = QAccessible::queryAccessibleInterface(widget);
-    return face ? face->text(QAccessible::Name) : QString();
-}
-
-struct Scene : FakePlatform {
-    explicit Scene(const QString &tab = {}) {
-        view = std::make_unique<PreferencesView>();
-        view->show();
-        QVERIFY(QTest::qWaitForWindowActive(view.get()));
-        if (!tab.isEmpty())
-            click(find<QAbstractButton>(tab));
-    }
-
-    /// The widgets of that kind on the screen that are called `name` by assistive programs.
-    template <class W>
-    QList<W *> all(const QString &name) const {
-        QList<W *> found;
-        for (W *widget : view->findChildren<W *>()) {
-            if (widget->isVisible() && nameOf(widget) == name)
-                found.append(widget);
-        }
-        QCoreApplication::processEvents(); // lay out what is new
-        return found;
-    }
-    template <class W>
-    W *find(const QString &name) const {
-        return all<W>(name).value(0);
-    }
-    void click(QWidget *widget) {
-        QVERIFY(widget);
-        QTest::mouseClick(widget, Qt::LeftButton);
-    }
-    qsizetype count(const QString &text) const {
-        qsizetype found = 0;
-        for (const QLabel *label : view->findChildren<QLabel *>())
-            found += label->isVisible() && label->text() == text;
-        for (const WrappingText *one : view->findChildren<WrappingText *>())
-            found += one->isVisible() && one->toPlainText() == text;
-        return found;
-    }
-    EmojiPicker *picker() const { return view->findChild<EmojiPicker *>(); }
-    static QStringList types() {
-        QStringList types;
-        for (const TypeEmojiMapping &mapping : Settings::shared().typeEmojiMappings())
-            types.append(mapping.type);
-        return types;
-    }
-
-    std::unique_ptr<PreferencesView> view;
-};
-
-} // namespace
+using Scene = PreferencesScene;
 
 class TestPreferencesTabs : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
+    void cleanup() {
+        QApplication::setFont(m_usualFont);
+        QApplication::setPalette(m_usualPalette);
+    }
+
     void sidebarSelectsByClickAndByKey() {
         Scene scene;
         auto *general = scene.find<QAbstractButton>("General");
@@ -92,6 +38,20 @@ private Q_SLOTS:
         QVERIFY(scene.find<QLineEdit>("Base URL"));
         QTest::keyClick(scene.find<QAbstractButton>("ID Links"), Qt::Key_Up);
         QCOMPARE(scene.view->selectedTab(), PreferencesTab::Confluence);
+    }
+
+    void launchAtLoginShowsWhatTheDesktopSays() {
+        using Status = LoginItems::Status;
+        for (const auto &[status, isOn] :
+             {std::pair{Status::NotRegistered, false}, std::pair{Status::Enabled, true},
+              std::pair{Status::RequiresApproval, true}, std::pair{Status::NotFound, false}}) {
+            FakePlatform platform;
+            platform.loginItems->current = status;
+            PreferencesView view;
+            const auto *toggle = view.findChild<Switch *>();
+            QCOMPARE(toggle->text(), "Launch at login");
+            QVERIFY2(toggle->isChecked() == isOn, qPrintable(platform.takeLog().join(' ')));
+        }
     }
 
     void refusedLaunchAtLoginSpringsBack() {
@@ -131,73 +91,75 @@ private Q_SLOTS:
         QCOMPARE(scene.count(off), 2);
     }
 
-    void emojiTableEditsWholeList() {
-        Scene scene("Jira");
-        const QStringList standard = scene.types();
-        scene.click(scene.find<QAbstractButton>("Add type"));
-        auto *added = qobject_cast<QLineEdit *>(scene.view->focusWidget());
-        QVERIFY(added);
-        QTest::keyClicks(added, "Bug");
-        QCOMPARE(scene.types(), standard + QStringList("Bug"));
-        QCOMPARE(added->text(), "Bug"); // its row was not made anew while typing
-
-        auto *first = scene.all<EmojiField>("Emoji").first();
-        first->selectAll();
-        QTest::keyClicks(first, "xy");
-        QCOMPARE(Settings::shared().typeEmojiMappings().first().emoji, "xy");
-
-        // Two rows are called Bug by now; only the one whose button it is goes.
-        auto *lastRemove = scene.all<QAbstractButton>("Remove this mapping").last();
-        lastRemove->setFocus(Qt::TabFocusReason);
-        QTest::keyClick(lastRemove, Qt::Key_Space);
-        QCOMPARE(scene.types(), standard);
-        QCOMPARE(nameOf(scene.view->focusWidget()), "Remove this mapping");
-
-        auto *comment = scene.find<EmojiField>("Emoji for comments");
-        comment->selectAll();
-        QTest::keyClicks(comment, "c");
-        scene.click(scene.find<QAbstractButton>("Reset to defaults"));
-        QCOMPARE(Settings::shared().typeEmojiMappings(), Settings::defaultTypeEmojiMappings());
-        QCOMPARE(scene.all<EmojiField>("Emoji").first()->text(), u"\U0001F41B"_qs);
-        QCOMPARE(Settings::shared().commentEmoji(), "c");
+    void tooltipsStandWhereTheyBelong() {
+        Scene scene;
+        const auto tip = [&](const QString &name, int place = 0) {
+            const auto found = scene.all<QWidget>(name);
+            return place < found.size() ? found[place]->toolTip() : "nothing called " + name;
+        };
+        for (const auto &[tab, placeholders] :
+             {std::pair{PreferencesTab::Jira, TemplateCatalog::placeholders()},
+              std::pair{PreferencesTab::Confluence, TemplateCatalog::confluencePlaceholders()}}) {
+            scene.view->selectTab(tab);
+            for (const TemplatePlaceholder &placeholder : placeholders)
+                QCOMPARE(tip(placeholder.token), "Insert " + placeholder.label);
+            QCOMPARE(tip("Reset"), "Restore the default template.");
+        }
+        scene.view->selectTab(PreferencesTab::Jira);
+        QCOMPARE(tip("Remove this mapping"), "Remove this mapping.");
+        QCOMPARE(tip("Open the emoji picker"),
+                 u"Open the emoji picker. ⌃⌘Space also works when the field is focused."_qs);
+        QCOMPARE(tip("Reset to defaults"),
+                 "Restore the default Bug / Story / Task / Epic / Sub-task mapping.");
+        scene.view->selectTab(PreferencesTab::Connection);
+        const QString help = u"How to get a scoped %1 API token:\n"
+                             "• Go to id.atlassian.com → Security → API tokens\n"
+                             "• Click \"Create API token with scopes\" (not the plain button)\n"
+                             "• Pick app: %1, then your site\n"
+                             "• Scope: %2\n"
+                             "• Set a 90-day expiry\n"
+                             "• Copy the token, paste it here, click Save Token"_qs;
+        QCOMPARE(tip("Jira API Token"),
+                 help.arg("Jira", "read:jira-work (add read:me to also show your name in Test "
+                                  "Connection)"));
+        QCOMPARE(tip("Confluence API Token"),
+                 help.arg("Confluence", "read:page:confluence") +
+                     "\n(Atlassian tokens are single-product, so this is separate from Jira's.)");
+        QCOMPARE(tip("Create or manage API tokens at id.atlassian.com"),
+                 "Opens the Atlassian API tokens page in your browser.");
     }
 
-    void pickedEmojiReplacesOrIsInserted() {
-        Scene scene("Jira");
-        scene.click(scene.find<QAbstractButton>("Open the emoji picker"));
-        QTRY_VERIFY(scene.picker());
-        auto *search = scene.picker()->findChild<QLineEdit *>();
-        QTRY_VERIFY(search->hasFocus());
-        QTest::keyClicks(search, " HIT  direct");
-        QTest::keyClick(search, Qt::Key_Return);
-        QCOMPARE(Settings::shared().typeEmojiMappings().first().emoji, u"\U0001F3AF"_qs);
-        QTRY_VERIFY(!scene.picker());
-        QVERIFY(scene.find<EmojiField>("Emoji")->hasFocus());
-
-        auto *field = scene.find<EmojiField>("Emoji for comments");
-        field->setText("a");
-        field->setFocus();
-        const auto open = [&] { QTest::keyClick(field, Qt::Key_Period, Qt::ControlModifier); };
-        const auto key = [](Qt::Key name) { QTest::keyClick(QApplication::focusWidget(), name); };
-        open();
-        QTRY_VERIFY(scene.picker());
-        QTest::keyClick(scene.picker(), Qt::Key_Escape);
-        QTRY_VERIFY(!scene.picker());
-        QCOMPARE(Settings::shared().commentEmoji(), "a");
-        open();
-        QTRY_VERIFY(scene.picker());
-        search = scene.picker()->findChild<QLineEdit *>();
-        QTest::keyClicks(search, "rocket");
-        QTest::keyClick(search, Qt::Key_Down);
-        key(Qt::Key_Return);
-        QCOMPARE(Settings::shared().commentEmoji(), u"a\U0001F680"_qs);
-        QTRY_VERIFY(!scene.picker());
-        open();
-        QTRY_VERIFY(scene.picker());
-        QTest::keyClick(scene.picker()->findChild<QLineEdit *>(), Qt::Key_Down);
-        QCOMPARE(nameOf(QApplication::focusWidget()), "Recent emoji");
-        key(Qt::Key_Return);
-        QCOMPARE(Settings::shared().commentEmoji(), u"a\U0001F680\U0001F680"_qs);
+    void theAgeOfTheTokenIsToldEachTimeTheTabIsOpened() {
+        Scene scene;
+        const auto age = [&] {
+            for (const Caption *line : scene.view->findChildren<Caption *>()) {
+                if (line->isVisible() && line->text().startsWith("Token saved"))
+                    return line;
+            }
+            return static_cast<const Caption *>(nullptr);
+        };
+        const QDateTime saved = scene.dispatch->wallTime();
+        scene.view->selectTab(PreferencesTab::Connection);
+        QVERIFY(!age());
+        Settings::shared().tokenSavedAt = saved;
+        for (const auto &[seconds, text] :
+             QList<std::pair<qint64, QString>>{{0, "Token saved today."},
+                                               {86400, "Token saved 1 day ago."},
+                                               {2 * 86400, "Token saved 2 days ago."},
+                                               {80 * 86400 - 1, "Token saved 79 days ago."},
+                                               {80 * 86400, u"Token saved 80 days ago. — consider "
+                                                            "rotating."_qs}}) {
+            scene.view->hide();
+            scene.dispatch->setWallTime(saved.addSecs(seconds));
+            scene.view->show();
+            QVERIFY2(age() && age()->text() == text, qPrintable(text));
+            using Style::ColourRole;
+            const ColourRole role =
+                text.contains("rotating") ? ColourRole::Warning : ColourRole::Secondary;
+            QVERIFY2(age()->palette().color(QPalette::WindowText) ==
+                         Style::colour(role, scene.view->palette()),
+                     qPrintable(text));
+        }
     }
 
     void theTabKeyReachesEverythingFromTopToBottom() {
@@ -205,6 +167,8 @@ private Q_SLOTS:
         for (const PreferencesTab tab : PreferencesTabs::allCases) {
             scene.view->selectTab(tab);
             scene.dispatch->drain(); // the tokens are there
+            if (tab == PreferencesTab::Jira)
+                scene.click(scene.find<QAbstractButton>("Add type"));
             QAbstractButton *start = scene.find<QAbstractButton>(PreferencesTabs::face(tab).title);
             start->setFocus(Qt::TabFocusReason);
             QSet<QWidget *> wanted;
@@ -228,22 +192,31 @@ private Q_SLOTS:
         }
     }
 
-    void textsAreMeasuredAnewWhenTheyChange() {
-        Caption caption("short");
-        WrappingText text("Text");
-        text.setPlainText("short");
-        const int captionHeight = caption.heightForWidth(100);
-        const int textHeight = text.heightForWidth(100);
-        caption.setText(QString("long ").repeated(20));
-        text.setPlainText(caption.text());
-        QVERIFY(caption.heightForWidth(100) > 2 * captionHeight);
-        QVERIFY(text.heightForWidth(100) > 2 * textHeight);
+    void everyTabFitsASmallScreen() {
+        for (const int size : {14, 18, 22}) {
+            QFont font = m_usualFont;
+            font.setPixelSize(size);
+            QApplication::setFont(font);
+            Scene scene;
+            scene.view->setFixedSize(800, 400);
+            for (const PreferencesTab tab : PreferencesTabs::allCases) {
+                scene.view->selectTab(tab);
+                QCoreApplication::processEvents();
+                for (const auto *page : scene.view->findChildren<QScrollArea *>()) {
+                    const QWidget *content = page->widget();
+                    QVERIFY2(!page->isVisible() || content->width() == page->width(),
+                             qPrintable(QString("%1 with text of %2: %3 in %4")
+                                            .arg(PreferencesTabs::face(tab).title)
+                                            .arg(size)
+                                            .arg(content->width())
+                                            .arg(page->width())));
+                }
+            }
+        }
     }
 
     void looksFollowTheDesktopWhileOpen() {
         Scene scene;
-        const QPalette usualPalette = QApplication::palette();
-        const QFont usualFont = QApplication::font();
         auto *caption = scene.view->findChild<Caption *>();
         const auto *example = scene.view->findChild<WrappingText *>();
         const auto heights = [&] {
@@ -254,15 +227,17 @@ private Q_SLOTS:
         QApplication::setPalette(dark);
         QTRY_COMPARE(caption->palette().color(QPalette::WindowText),
                      Style::colour(Style::ColourRole::Secondary, dark));
-        QFont large = usualFont;
+        QFont large = m_usualFont;
         large.setPixelSize(22); // half as large again as the largest usual size
         QApplication::setFont(large);
         QTRY_COMPARE(caption->font().pixelSize(), 20);
         QVERIFY(heights().width() > usualHeights.width());
         QVERIFY(heights().height() > usualHeights.height());
-        QApplication::setFont(usualFont);
-        QApplication::setPalette(usualPalette);
     }
+
+private:
+    const QFont m_usualFont = QApplication::font();
+    const QPalette m_usualPalette = QApplication::palette();
 };
 
 QTEST_MAIN(TestPreferencesTabs)

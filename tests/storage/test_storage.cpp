@@ -1,11 +1,11 @@
 #include "fakes/FakePlatform.h"
-#include "storage/Keychain.h"
 #include "storage/LogStore.h"
 #include "storage/Settings.h"
 
 #include <QSignalSpy>
 #include <QTest>
 
+#include <functional>
 #include <limits>
 
 namespace {
@@ -68,83 +68,185 @@ private Q_SLOTS:
         }
     }
 
-    void everyAssignmentIsStoredAndLoadsBack() {
+    void everyAssignmentIsOnDiskUnderItsName() {
         FakePlatform platform;
         const QStringList freshUser = loaded();
-        Settings &settings = Settings::shared();
-        const QSignalSpy changes(&settings, &Settings::didChange);
-        settings.cloudId = u"c-0"_qs;
-        settings.baseURL = u"https://b.example"_qs;
-        QCOMPARE(settings.cloudId(), QString()); // that of another site
-        settings.email = u"ann@b.example"_qs;
-        settings.cloudId = u"c-1"_qs;
-        settings.baseURL = settings.baseURL(); // the same again
-        settings.hotkeyKeyCode = 38;
-        settings.hotkeyModifiers = 256;
-        settings.hotkey2KeyCode = 49;
-        settings.hotkey2Modifiers = 768;
-        settings.displayTemplate = u"{key}"_qs;
-        settings.confluenceTemplate = u"{title}"_qs;
-        settings.accountBaseURL = u"https://r.example"_qs;
-        settings.pasteFormat = PasteFormat::Markdown;
-        settings.accountPasteFormat = PasteFormat::PlainText;
-        settings.restoreClipboardAfterPaste = false;
-        settings.commentEmoji = QString();
-        settings.typeEmojiMappings = {};
-        settings.tokenSavedAt = platform.dispatch->wallTime();
-        QVERIFY(changes.size() >= 16);
+        Settings &s = Settings::shared();
+        const QDateTime saved = QDateTime::fromMSecsSinceEpoch(1767362589123);
+        const QList<std::tuple<QString, std::function<void()>, QVariant>> cases{
+            {"jiraBaseURL", [&] { s.baseURL = u"https://b.example"_qs; }, u"https://b.example"_qs},
+            {"jiraEmail", [&] { s.email = u"ann@b.example"_qs; }, u"ann@b.example"_qs},
+            {"jiraCloudId", [&] { s.cloudId = u"c-1"_qs; }, u"c-1"_qs},
+            {"hotkeyKeyCode", [&] { s.hotkeyKeyCode = 38; }, qint64{38}},
+            {"hotkeyModifiers", [&] { s.hotkeyModifiers = 256; }, qint64{256}},
+            {"hotkey2KeyCode", [&] { s.hotkey2KeyCode = 49; }, qint64{49}},
+            {"hotkey2Modifiers", [&] { s.hotkey2Modifiers = 4294967295; }, qint64{4294967295}},
+            {"displayTemplate", [&] { s.displayTemplate = u"{key}"_qs; }, u"{key}"_qs},
+            {"confluenceTemplate", [&] { s.confluenceTemplate = u"{title}"_qs; }, u"{title}"_qs},
+            {"accountBaseURL", [&] { s.accountBaseURL = u"https://r"_qs; }, u"https://r"_qs},
+            {"pasteFormat", [&] { s.pasteFormat = PasteFormat::Markdown; }, u"markdown"_qs},
+            {"accountPasteFormat", [&] { s.accountPasteFormat = PasteFormat::PlainText; },
+             u"plainText"_qs},
+            {"restoreClipboardAfterPaste", [&] { s.restoreClipboardAfterPaste = false; }, false},
+            {"commentEmoji", [&] { s.commentEmoji = QString(); }, QString()},
+            {"typeEmojiMappings", [&] { s.typeEmojiMappings = {}; }, QByteArray("[]")},
+            {"tokenSavedAt", [&] { s.tokenSavedAt = saved; }, 1767362589.123},
+        };
+        for (const auto &[key, assign, stored] : cases) {
+            const QSignalSpy changes(&s, &Settings::didChange);
+            assign();
+            QVERIFY2(platform.defaults->onDisk.value(key) == stored, qPrintable(key));
+            QVERIFY2(!changes.isEmpty(), qPrintable(key));
+        }
+        QCOMPARE(platform.defaults->stored.size(), cases.size());
         const QStringList before = loaded();
         for (qsizetype i = 0; i < before.size(); ++i)
             QVERIFY2(before[i] != freshUser[i], qPrintable(before[i]));
         Settings::restart();
-        QCOMPARE(loaded(), before);
-        QCOMPARE(platform.defaults->stored.value(u"jiraEmail"_qs), QVariant(u"ann@b.example"_qs));
+        QCOMPARE(loaded(), before); // the date to the millisecond
         Settings::shared().tokenSavedAt = std::nullopt;
-        QVERIFY(!platform.defaults->stored.contains(u"tokenSavedAt"_qs));
+        QVERIFY(!platform.defaults->onDisk.contains(u"tokenSavedAt"_qs));
+        Settings::shared().pasteFormat = PasteFormat::RichLink;
+        QCOMPARE(platform.defaults->onDisk.value(u"pasteFormat"_qs), u"richLink"_qs);
+        Settings::shared().accountPasteFormat = PasteFormat::UrlOnly;
+        QCOMPARE(platform.defaults->onDisk.value(u"accountPasteFormat"_qs), u"urlOnly"_qs);
     }
 
-    void logKeepsTheNewest200AndWaitsForTheMainThread() {
+    void cloudIdBelongsToItsSite() {
+        const QList<std::tuple<QString, QString>> cases{
+            {"https://b.example", "c-1"}, // the same
+            {"https://B.example", ""},
+            {"https://b.example/", ""},
+            {"", ""},
+        };
+        for (const auto &[site, cloudId] : cases) {
+            for (const bool isTyped : {false, true}) {
+                FakePlatform platform;
+                Settings &settings = Settings::shared();
+                settings.baseURL = u"https://b.example"_qs;
+                settings.cloudId = u"c-1"_qs;
+                const int writes = platform.defaults->flushes;
+                if (isTyped)
+                    settings.baseURL.type(site);
+                else
+                    settings.baseURL = site;
+                platform.dispatch->advance(std::chrono::milliseconds(500));
+                QVERIFY2(settings.cloudId() == cloudId, qPrintable(site));
+                QVERIFY2(platform.defaults->onDisk.value("jiraCloudId") == cloudId,
+                         qPrintable(site));
+                const bool isSame = isTyped && !cloudId.isEmpty();
+                QCOMPARE(platform.defaults->flushes - writes, isSame ? 0 : 1); // both keys at once
+            }
+        }
+    }
+
+    void typingIsWrittenWhenItPauses() {
+        using namespace std::chrono_literals;
+        FakePlatform platform;
+        Settings &settings = Settings::shared();
+        const QSignalSpy changes(&settings, &Settings::didChange);
+        settings.email.type("a");
+        settings.email.type("a");
+        QCOMPARE(changes.size(), 1); // the second was nothing new
+        QCOMPARE(settings.email(), "a");
+        const auto written = [&] {
+            return platform.defaults->onDisk.value("jiraEmail").toString();
+        };
+        platform.dispatch->advance(400ms);
+        settings.email.type("ab");
+        QCOMPARE(written(), "");
+        platform.dispatch->advance(100ms);
+        QCOMPARE(written(), "ab"); // however fast the next key comes
+        settings.email.type("abc");
+        settings.restoreClipboardAfterPaste = false;
+        QCOMPARE(written(), "abc");
+        settings.email.type("abcd");
+        settings.flush(); // the field is left
+        QCOMPARE(written(), "abcd");
+        const int writes = platform.defaults->flushes;
+        platform.dispatch->advance(2s);
+        QCOMPARE(platform.defaults->flushes, writes);
+        settings.email.type("abcde");
+        platform.dispatch->advance(500ms);
+        QCOMPARE(written(), "abcde");
+    }
+
+    void tokenAge() {
+        constexpr qint64 hour = 3600;
+        const QList<std::tuple<std::optional<qint64>, std::optional<qint64>, bool>> cases{
+            {{}, {}, false},
+            {-3 * 24 * hour, 0, false}, // saved in the future
+            {24 * hour - 1, 0, false},
+            {24 * hour, 1, false},
+            {79 * 24 * hour + 23 * hour, 79, false},
+            {80 * 24 * hour - 1, 79, false},
+            {80 * 24 * hour, 80, true},
+            {81 * 24 * hour, 81, true},
+        };
+        for (const auto &[age, days, isAging] : cases) {
+            const FakePlatform platform;
+            const QByteArray row = QByteArray::number(age.value_or(-1));
+            if (age)
+                Settings::shared().tokenSavedAt = platform.dispatch->wallTime().addSecs(-*age);
+            QVERIFY2(Settings::shared().daysSinceTokenSaved() == days, row);
+            QVERIFY2(Settings::shared().tokenIsAging() == isAging, row);
+        }
+    }
+
+    void logKeepsTheNewest200() {
         FakePlatform platform;
         LogStore &log = LogStore::shared();
-        platform.dispatch->onBackground([&] { log.write(u"late"_qs); });
         for (int i = 1; i <= 250; ++i)
             log.write(QString::number(i));
         QCOMPARE(log.entries().size(), 200);
         QCOMPARE(log.entries().constFirst().message, u"51"_qs);
-        platform.dispatch->drain();
-        QCOMPARE(log.entries().constLast().message, u"late"_qs);
-
-        log.clear();
-        platform.dispatch->drain();
-        log.write(u"a"_qs);
-        platform.dispatch->setWallTime(platform.dispatch->wallTime().addSecs(1));
-        log.write(u"b\nc"_qs);
-        QCOMPARE(log.formattedAll(), u"[14:03:09] a\n[14:03:10] b\nc"_qs);
+        QCOMPARE(log.entries().constLast().message, u"250"_qs);
     }
 
-    void tokensAreKeptApartReplacedAndRemoved() {
+    void logIsStampedWhenWrittenAndClearedInTurn() {
+        qputenv("TZ", "XXX-05:45"); // nobody lives by UTC and this at once
+        tzset();
         FakePlatform platform;
-        const QString confluence = AppInfo::keychainAccountConfluence();
-        QVERIFY(!Keychain::loadToken());
-        QVERIFY(Keychain::saveToken(u" one\n"_qs));
-        QVERIFY(Keychain::saveToken(u"two"_qs));
-        QVERIFY(Keychain::saveToken(u"three"_qs, confluence));
-        QCOMPARE(Keychain::loadToken(), u"two"_qs);
-        Keychain::deleteToken();
-        QVERIFY(!Keychain::loadToken());
-        QCOMPARE(Keychain::loadToken(confluence), u"three"_qs);
+        LogStore &log = LogStore::shared();
+        const auto fromElsewhere = [&](const QString &message) {
+            platform.dispatch->onBackground([&] { log.write(message); });
+        };
+        platform.dispatch->setWallTime(QDateTime({2026, 1, 2}, {8, 18, 9}, Qt::UTC));
+        fromElsewhere(u"before"_qs);
+        log.clear();
+        fromElsewhere(u"late"_qs);
+        log.write(u"at once"_qs);
+        platform.dispatch->setWallTime(QDateTime({2026, 1, 2}, {8, 18, 10}, Qt::UTC));
+        QCOMPARE(log.formattedAll(), u"[14:03:09] at once"_qs);
+        platform.dispatch->drain();
+        QCOMPARE(log.formattedAll(), u"[14:03:09] late"_qs);
+        log.write(u"b\nc"_qs);
+        QCOMPARE(log.formattedAll(), u"[14:03:09] late\n[14:03:10] b\nc"_qs);
+        qunsetenv("TZ");
+        tzset();
+    }
 
-        platform.secretStore->refusesAdditions = true;
-        QVERIFY(!Keychain::saveToken(u"four"_qs, confluence));
-        QVERIFY(!Keychain::loadToken(confluence));
-
-        // Put there by other means: trimmed, and it must be text.
-        QByteArray &stored = platform.secretStore->secrets["org.ostrowind.brindle/jira-api-token"];
-        stored = " t1\r\n";
-        QCOMPARE(Keychain::loadToken(), u"t1"_qs);
-        stored = "t\xff";
-        QVERIFY(!Keychain::loadToken());
-        QVERIFY(platform.takeLog().isEmpty());
+    void logShowsForeignTextOnOneLine() {
+        FakePlatform platform;
+        const QList<std::pair<QString, QString>> cases{
+            {u"a\r\nb\u2028c\u2029d\u0085e\vf\fg\th"_qs, u"a  b c d e f g h"_qs},
+            {QString(u'\0') + u"\u001B[2J\u009B\uFDD0\uFFFE\U0001FFFF"_qs,
+             u"\uFFFD\uFFFD[2J\uFFFD\uFFFD\uFFFD\uFFFD"_qs},
+            {QString(QChar(0xD83D)) + u'x', u"\uFFFDx"_qs},
+            {u"é\u00A0\u3000\U0001F469\u200D\U0001F4BB"_qs,
+             u"é\u00A0\u3000\U0001F469\u200D\U0001F4BB"_qs},
+        };
+        for (const auto &[message, line] : cases) {
+            log(message);
+            QCOMPARE(platform.takeLog(), QStringList(line));
+            QCOMPARE(LogStore::excerpt(message), line);
+        }
+        const QString hundred(100, u'x');
+        QCOMPARE(LogStore::excerpt(hundred), hundred);
+        QCOMPARE(LogStore::excerpt(hundred + u'y'), QString(hundred + u'…'));
+        QCOMPARE(LogStore::excerpt(u"é\U0001F41E"_qs.repeated(60)),
+                 QString(u"é\U0001F41E"_qs.repeated(50) + u'…'));
+        QVERIFY(LogStore::excerpt(u'e' + QString(10'000'000, QChar(0x301))).size() < 1000);
     }
 };
 

@@ -2,20 +2,24 @@
 // tools/screenshots.sh runs it, also at other scales and sizes of text.
 
 #include "app/AppWindow.h"
+#include "desktop/HotkeyManager.h"
 #include "fakes/FakePlatform.h"
 #include "platform/wording.h"
 #include "preferences/PreferencesView.h"
-#include "preferences/emoji/EmojiPickerField.h"
+#include "preferences/emoji/EmojiField.h"
 #include "preferences/kit/BorderedField.h"
 #include "preferences/log/LogView.h"
 #include "preferences/template/PlaceholderTextView.h"
+#include "preferences/template/ResizeGrip.h"
 #include "storage/LogStore.h"
 #include "storage/Settings.h"
 
 #include <QApplication>
 #include <QDir>
+#include <QLineEdit>
 #include <QPainter>
 #include <QPalette>
+#include <QPushButton>
 #include <QStyleFactory>
 #include <QTest>
 #include <QToolTip>
@@ -130,6 +134,47 @@ bool shootPopups(AppWindow &window, PreferencesView &view, FakePlatform &platfor
     return isComplete;
 }
 
+/// What the tabs say when something can't be had: a hotkey, an issue, a connection; and a template
+/// that needs more room than it has.
+bool shootProblems(AppWindow &window, PreferencesView &view, FakePlatform &platform,
+                   const QString &end) {
+    const auto visible = [&](const auto &widgets, const QString &name) {
+        const auto found = std::find_if(widgets.begin(), widgets.end(), [&](QWidget *widget) {
+            return widget->isVisible() &&
+                   (widget->accessibleName() == name || widget->property("text") == name);
+        });
+        return *found;
+    };
+    const Settings &settings = Settings::shared();
+    const KeyCombo hotkey{settings.hotkeyKeyCode(), settings.hotkeyModifiers()};
+    platform.hotkeys->taken = {hotkey};
+    HotkeyManager::shared().install({hotkey}, [] {});
+    view.selectTab(PreferencesTab::General);
+    bool isComplete = shoot(window, platform, end.arg("hotkey-taken"));
+    platform.hotkeys->taken.clear();
+    HotkeyManager::shared().install({hotkey}, [] {});
+
+    view.selectTab(PreferencesTab::Connection);
+    QCoreApplication::processEvents();
+    QTest::mouseClick(visible(view.findChildren<QPushButton *>(), "Test Connection"),
+                      Qt::LeftButton);
+    isComplete = shoot(window, platform, end.arg("connection-failed")) && isComplete;
+
+    const QString usual = settings.displayTemplate();
+    Settings::shared().displayTemplate = QString("{key} - {summary} ").repeated(60);
+    view.selectTab(PreferencesTab::Jira);
+    QCoreApplication::processEvents();
+    auto *grip = view.findChild<ResizeGrip *>();
+    grip->moveTo(60);
+    QLineEdit *input = visible(view.findChildren<QLineEdit *>(), "Try a real ticket:");
+    input->setText("AB-7");
+    QTest::keyClick(input, Qt::Key_Return);
+    isComplete = shoot(window, platform, end.arg("preview-failed")) && isComplete;
+    input->clear();
+    Settings::shared().displayTemplate = usual;
+    return isComplete;
+}
+
 } // namespace
 
 int main(int argc, char *argv[]) {
@@ -157,6 +202,8 @@ int main(int argc, char *argv[]) {
         }
         isComplete =
             shootPopups(preferences, *view, platform, folder.filePath("%1" + suffix)) && isComplete;
+        isComplete = shootProblems(preferences, *view, platform, folder.filePath("%1" + suffix)) &&
+                     isComplete;
         AppWindow logs("Brindle Logs", new LogView, actions);
         isComplete = shoot(logs, platform, folder.filePath("log" + suffix)) && isComplete;
     }

@@ -50,9 +50,6 @@ struct Candidates {
 };
 
 void choose(Platform &platform, const Candidates &candidates) {
-    platform.pasteboard =
-        chooseFirst<Pasteboard>(QStringLiteral("clipboard"), candidates.pasteboard,
-                                unavailable<UnavailablePasteboard, Pasteboard>(), platform.choices);
     platform.hotkeys = chooseFirst<Hotkeys>(QStringLiteral("hotkeys"), candidates.hotkeys,
                                             candidates.noHotkeys, platform.choices);
     platform.pasteKeys =
@@ -62,6 +59,10 @@ void choose(Platform &platform, const Candidates &candidates) {
         QStringLiteral("front window"), candidates.frontWindow,
         [](const QString &) { return std::make_shared<UnavailableFrontWindow>(); },
         platform.choices);
+    // Last, since it connects while the others are made.
+    platform.pasteboard =
+        chooseFirst<Pasteboard>(QStringLiteral("clipboard"), candidates.pasteboard,
+                                unavailable<UnavailablePasteboard, Pasteboard>(), platform.choices);
 }
 
 void useX11(Platform &platform) {
@@ -115,7 +116,7 @@ Platform makeLinuxPlatform() {
     platform.childProcess = std::make_shared<QtChildProcess>();
     platform.notifications = std::make_shared<DBusNotifications>();
     platform.defaults = std::make_shared<SettingsFile>();
-    platform.secretStore = std::make_shared<SecretServiceStore>();
+    platform.secretStore = std::make_shared<SecretServiceStore>(platform.dispatch);
     platform.alerts = std::make_shared<QtAlerts>();
     platform.workspace = std::make_shared<DesktopWorkspace>();
     platform.urlSession = std::make_shared<QtUrlSession>();

@@ -2,18 +2,24 @@
 
 #include "model/AppInfo.h"
 
-#include <QMessageBox>
+#include <QApplication>
 #include <QPushButton>
+#include <QStyle>
 
-void QtAlerts::show(const Alert &alert, std::function<void(int)> chosen) {
+namespace {
+
+QMessageBox *makeBox(const Alert &alert, std::function<void(int)> chosen) {
     auto *box = new QMessageBox;
     box->setAttribute(Qt::WA_DeleteOnClose);
     box->setWindowTitle(AppInfo::displayName());
-    box->setIcon(alert.style == Alert::Style::Warning ? QMessageBox::Warning
-                                                      : QMessageBox::Information);
+    if (alert.style == Alert::Style::Warning) {
+        box->setIcon(QMessageBox::Warning);
+    } else {
+        const int side = box->style()->pixelMetric(QStyle::PM_MessageBoxIconSize, nullptr, box);
+        box->setIconPixmap(QApplication::windowIcon().pixmap(side));
+    }
     box->setTextFormat(Qt::PlainText);
     box->setText(alert.message);
-    box->setInformativeText(alert.informativeText);
     for (const QString &title : alert.buttons) {
         auto *button = new QPushButton(title, box);
         // One role for all: the box then keeps the buttons in the order in which they were added.
@@ -28,6 +34,17 @@ void QtAlerts::show(const Alert &alert, std::function<void(int)> chosen) {
                          const QAbstractButton *button = box->clickedButton();
                          chosen(button ? static_cast<int>(titles.indexOf(button->text())) : -1);
                      });
+    return box;
+}
+
+} // namespace
+
+void QtAlerts::show(const Alert &alert, std::function<void(int)> chosen) {
+    QPointer<QMessageBox> &box = m_open[alert.message];
+    if (!box || !box->isVisible())
+        box = makeBox(alert, std::move(chosen));
+    box->setInformativeText(alert.informativeText);
+    box->setWindowState(box->windowState() & ~Qt::WindowMinimized);
     box->open();
     box->raise();
     box->activateWindow();

@@ -1,31 +1,37 @@
 #include "platform/qt/QtDispatch.h"
 
-#include "platform/qt/HandOver.h"
-
-#include <QSemaphore>
 #include <QSocketNotifier>
 #include <QThread>
 #include <QTimer>
+
+#include <condition_variable>
 
 #include <sys/timerfd.h>
 #include <unistd.h>
 
 namespace {
 
-class QtSemaphore : public Semaphore {
+class CountingSemaphore : public Semaphore {
 public:
     void signal() override {
-        HandOver::give();
-        m_semaphore.release();
+        {
+            const std::scoped_lock lock(m_mutex);
+            ++m_count;
+        }
+        m_signalled.notify_one();
     }
     bool wait(std::chrono::milliseconds timeout) override {
-        const bool wasSignalled = m_semaphore.tryAcquire(1, static_cast<int>(timeout.count()));
-        HandOver::take();
-        return wasSignalled;
+        std::unique_lock lock(m_mutex);
+        if (!m_signalled.wait_for(lock, timeout, [this] { return m_count > 0; }))
+            return false;
+        --m_count;
+        return true;
     }
 
 private:
-    QSemaphore m_semaphore;
+    std::mutex m_mutex;
+    std::condition_variable m_signalled;
+    int m_count = 0;
 };
 
 /// A timer of the kernel's, which wakes up within microseconds of its time. Deletes itself once it
@@ -72,9 +78,14 @@ QtDispatch::~QtDispatch() {
 }
 
 void QtDispatch::finish() {
-    m_isFinished = true;
-    m_pool.clear();
+    {
+        const std::scoped_lock lock(m_mutex);
+        m_isFinished = true;
+        m_background.clear();
+    }
     m_pool.waitForDone();
+    // What the tasks did comes before what follows, which the pool's own end does not say aloud.
+    const std::scoped_lock lock(m_mutex);
 }
 
 bool QtDispatch::isMainThread() const {
@@ -86,13 +97,28 @@ void QtDispatch::toMain(Task task) {
 }
 
 void QtDispatch::toBackground(Task task) {
-    if (m_isFinished)
-        return;
-    HandOver::give();
-    m_pool.start([task = std::move(task)] {
-        HandOver::take();
-        task();
-    });
+    {
+        const std::scoped_lock lock(m_mutex);
+        if (m_isFinished)
+            return;
+        m_background.push_back(std::move(task));
+    }
+    m_pool.start([this] { runFirstInBackground(); });
+}
+
+void QtDispatch::runFirstInBackground() {
+    Task task;
+    {
+        const std::scoped_lock lock(m_mutex);
+        if (m_background.empty())
+            return;
+        task = std::move(m_background.front());
+        m_background.pop_front();
+    }
+    task();
+    // What it carried goes on this thread, and before the pool counts as done.
+    task = nullptr;
+    const std::scoped_lock lock(m_mutex);
 }
 
 WorkItem QtDispatch::after(std::chrono::milliseconds delay, Task task) {
@@ -120,5 +146,5 @@ QDateTime QtDispatch::wallTime() const {
 }
 
 std::shared_ptr<Semaphore> QtDispatch::makeSemaphore() {
-    return std::make_shared<QtSemaphore>();
+    return std::make_shared<CountingSemaphore>();
 }

@@ -1,11 +1,12 @@
 #pragma once
 
 #include "platform/Dispatch.h"
-#include "platform/qt/WorkQueue.h"
+#include "platform/qt/TaskQueue.h"
 
 #include <QThreadPool>
 
-#include <atomic>
+#include <deque>
+#include <mutex>
 
 /// Dispatch on the Qt event loop and a thread pool. Created on the main thread.
 class QtDispatch : public Dispatch {
@@ -24,7 +25,12 @@ public:
     void finish() override;
 
 private:
-    WorkQueue m_mainContext;
+    void runFirstInBackground();
+
+    TaskQueue m_mainContext;
     QThreadPool m_pool;
-    std::atomic<bool> m_isFinished = false;
+
+    std::mutex m_mutex; ///< guards what follows
+    std::deque<Task> m_background;
+    bool m_isFinished = false;
 };

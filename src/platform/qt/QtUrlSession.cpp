@@ -1,7 +1,5 @@
 #include "platform/qt/QtUrlSession.h"
 
-#include "platform/qt/HandOver.h"
-
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
 #include <QSslConfiguration>
@@ -11,6 +9,18 @@
 namespace {
 
 constexpr int mostRedirects = 10;
+
+UrlResponse failure(const QString &reason) {
+    return {std::nullopt, {}, reason};
+}
+
+UrlResponse quitting() {
+    return failure(QStringLiteral("Brindle is quitting."));
+}
+
+bool isHttp(const QUrl &url) {
+    return url.scheme() == u"https" || url.scheme() == u"http";
+}
 
 QString origin(const QUrl &url) {
     const bool isHttps = url.scheme() == u"https";
@@ -23,16 +33,12 @@ QString origin(const QUrl &url) {
 /// One request with its redirects. Lives on the session's thread and deletes itself when done.
 class QtUrlSession::Task : public QObject {
 public:
-    Task(QtUrlSession &session, TaskId id, const UrlRequest &request, Completion completion)
-        : QObject(&session.m_context),
-          m_session(session),
-          m_id(id),
-          m_request(request),
-          m_completion(std::move(completion)) {
+    Task(QtUrlSession &session, TaskId id, const UrlRequest &request)
+        : QObject(&session.m_context), m_session(session), m_id(id), m_request(request) {
         m_idle.setSingleShot(true);
         m_idle.setInterval(request.idleTimeout);
         m_total.setSingleShot(true);
-        m_total.setInterval(longestRequest);
+        m_total.setInterval(request.totalTimeout);
         const auto timedOut = [this] { fail(QStringLiteral("The request timed out.")); };
         connect(&m_idle, &QTimer::timeout, this, timedOut);
         connect(&m_total, &QTimer::timeout, this, timedOut);
@@ -42,7 +48,7 @@ public:
 
     ~Task() override { dropReply(); }
 
-    void fail(const QString &reason) { finish({std::nullopt, {}, reason}); }
+    void fail(const QString &reason) { finish(failure(reason)); }
 
 private:
     void send() {
@@ -66,10 +72,7 @@ private:
         if (!m_reply) // too large
             return;
         const QVariant status = m_reply->attribute(QNetworkRequest::HttpStatusCodeAttribute);
-        // Qt calls a status of 400 and above an error too; to us it is a response, unless the
-        // connection broke before it was whole.
-        const bool isHttpError = m_reply->error() >= QNetworkReply::ContentAccessDenied;
-        if (!status.isValid() || (m_reply->error() != QNetworkReply::NoError && !isHttpError)) {
+        if (!status.isValid() || isCutShort(status.toInt())) {
             fail(reasonOf(*m_reply));
             return;
         }
@@ -78,9 +81,23 @@ private:
         finish({status.toInt(), m_body, {}});
     }
 
+    bool isCutShort(int status) const {
+        // Qt calls a status of 400 and above an error too; to us it is a response, and all there is
+        // to know.
+        if (status >= 400)
+            return false;
+        if (m_reply->error() != QNetworkReply::NoError || status != 200)
+            return m_reply->error() != QNetworkReply::NoError;
+        // A stream that the server resets without an error just ends. Of a compressed body Qt gives
+        // us the contents, not the length.
+        const QVariant length = m_reply->header(QNetworkRequest::ContentLengthHeader);
+        return length.isValid() && !m_reply->hasRawHeader("Content-Encoding") &&
+               m_body.size() < length.toLongLong();
+    }
+
     /// Qt's texts name the URL and the reason; neither holds a credential.
     static QString reasonOf(const QNetworkReply &reply) {
-        return reply.error() == QNetworkReply::NoError ? QStringLiteral("No response.")
+        return reply.error() == QNetworkReply::NoError ? QStringLiteral("The response broke off.")
                                                        : reply.errorString();
     }
 
@@ -91,7 +108,8 @@ private:
             location.isEmpty())
             return false;
         const QUrl target = m_request.url.resolved(QUrl::fromEncoded(location));
-        if (m_request.url.scheme() == u"https" && target.scheme() != u"https") {
+        if (!isHttp(target) ||
+            (m_request.url.scheme() == u"https" && target.scheme() != u"https")) {
             fail(QStringLiteral("The server redirected to an address that is not secure."));
             return true;
         }
@@ -128,14 +146,12 @@ private:
         dropReply();
         m_session.m_tasks.remove(m_id);
         deleteLater();
-        if (const auto completion = std::exchange(m_completion, nullptr))
-            completion(response);
+        m_session.answer(m_id, response);
     }
 
     QtUrlSession &m_session;
     TaskId m_id;
     UrlRequest m_request;
-    Completion m_completion;
     QNetworkReply *m_reply = nullptr;
     QByteArray m_body;
     int m_redirects = 0;
@@ -143,38 +159,28 @@ private:
     QTimer m_total{this};
 };
 
-QtUrlSession::QtUrlSession() {
+QtUrlSession::QtUrlSession(Adapt adapt) : m_adapt(std::move(adapt)) {
     m_context.moveToThread(&m_thread);
 }
 
 QtUrlSession::~QtUrlSession() {
-    if (!m_thread.isRunning())
-        return;
-    // Requests still under way end here, with an answer for whoever waits.
-    HandOver::give();
-    QMetaObject::invokeMethod(
-        &m_context,
-        [this] {
-            HandOver::take();
-            const QList<Task *> tasks = m_tasks.values();
-            for (Task *task : tasks)
-                task->fail(QStringLiteral("Brindle is quitting."));
-            const QObjectList ended = m_context.children();
-            qDeleteAll(ended);
-            m_manager.reset();
-            m_context.moveToThread(nullptr);
-            HandOver::give();
-        },
-        Qt::BlockingQueuedConnection);
-    HandOver::take();
-    m_thread.quit();
+    cancelAll();
     m_thread.wait();
+    const std::scoped_lock lock(m_mutex); // as leaveThread() says
 }
 
-void QtUrlSession::onThread(std::function<void()> work) {
+bool QtUrlSession::onThread(std::function<void()> work) {
+    const std::scoped_lock lock(m_mutex);
+    return onThreadLocked(std::move(work));
+}
+
+bool QtUrlSession::onThreadLocked(std::function<void()> work) {
+    if (m_hasEnded)
+        return false;
     // Whoever comes first starts the thread; starting a running one does nothing.
     m_thread.start();
     m_context.post(std::move(work));
+    return true;
 }
 
 QNetworkAccessManager &QtUrlSession::manager() {
@@ -184,14 +190,35 @@ QNetworkAccessManager &QtUrlSession::manager() {
 }
 
 UrlSession::TaskId QtUrlSession::start(const UrlRequest &request, Completion completion) {
+    std::unique_lock lock(m_mutex);
     const TaskId id = ++m_lastTask;
-    onThread(
-        [this, id, request, completion = std::move(completion)] { send(id, request, completion); });
+    if (onThreadLocked([this, id, request] { send(id, request); })) {
+        m_waiting.insert(id, std::move(completion));
+        return id;
+    }
+    lock.unlock();
+    completion(quitting());
     return id;
 }
 
-void QtUrlSession::send(TaskId id, const UrlRequest &request, const Completion &completion) {
-    m_tasks.insert(id, new Task(*this, id, request, completion));
+void QtUrlSession::send(TaskId id, const UrlRequest &request) {
+    std::unique_lock lock(m_mutex);
+    const bool isWanted = m_waiting.contains(id);
+    lock.unlock();
+    if (!isWanted)
+        return;
+    if (isHttp(request.url))
+        m_tasks.insert(id, new Task(*this, id, request));
+    else
+        answer(id, failure(QStringLiteral("Only http and https addresses are opened.")));
+}
+
+void QtUrlSession::answer(TaskId id, const UrlResponse &response) {
+    std::unique_lock lock(m_mutex);
+    const Completion completion = m_waiting.take(id);
+    lock.unlock();
+    if (completion)
+        completion(response);
 }
 
 void QtUrlSession::cancel(TaskId task) {
@@ -199,6 +226,30 @@ void QtUrlSession::cancel(TaskId task) {
         if (Task *running = m_tasks.value(task))
             running->fail(QStringLiteral("The request was cancelled."));
     });
+}
+
+void QtUrlSession::cancelAll() {
+    std::unique_lock lock(m_mutex);
+    if (m_thread.isRunning())
+        onThreadLocked([this] { leaveThread(); });
+    m_hasEnded = true;
+    const auto waiting = std::exchange(m_waiting, {});
+    lock.unlock();
+    // Here and not on the thread, which may be held up by what it asks the system for.
+    for (const Completion &completion : waiting)
+        completion(quitting());
+}
+
+void QtUrlSession::leaveThread() {
+    m_tasks.clear();
+    const QObjectList tasks = m_context.children();
+    qDeleteAll(tasks);
+    m_manager.reset();
+    m_context.moveToThread(nullptr);
+    m_thread.quit();
+    // The end of the thread is the toolkit's secret; this is what orders what it did before what
+    // follows.
+    const std::scoped_lock lock(m_mutex);
 }
 
 void QtUrlSession::warmUp() {
@@ -235,5 +286,7 @@ QNetworkRequest QtUrlSession::networkRequest(const UrlRequest &request) const {
          {QNetworkRequest::CookieLoadControlAttribute, QNetworkRequest::CookieSaveControlAttribute,
           QNetworkRequest::AuthenticationReuseAttribute})
         network.setAttribute(attribute, QNetworkRequest::Manual);
+    if (m_adapt)
+        m_adapt(network);
     return network;
 }

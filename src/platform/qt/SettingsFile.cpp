@@ -2,8 +2,11 @@
 
 #include "model/AppInfo.h"
 
+#include <QEvent>
 #include <QFile>
 #include <QFileInfo>
+#include <QStringDecoder>
+#include <QTemporaryFile>
 
 #include <algorithm>
 #include <cmath>
@@ -20,7 +23,59 @@ bool isTextInPieces(const QVariant &value) {
                        [](const QVariant &piece) { return piece.typeId() == QMetaType::QString; });
 }
 
+/// Half a surrogate pair, which no file can hold, becomes U+FFFD as undecodable bytes do.
+QString wellFormed(QString text) {
+    for (qsizetype i = 0; i < text.size() && !text.isValidUtf16(); ++i) {
+        if (text[i].isHighSurrogate() && i + 1 < text.size() && text[i + 1].isLowSurrogate())
+            ++i;
+        else if (text[i].isSurrogate())
+            text[i] = QChar::ReplacementCharacter;
+    }
+    return text;
+}
+
+/// A text, in one piece or several, in a form that a file can hold; other values as they are.
+QVariant wellFormed(const QVariant &value) {
+    if (value.typeId() == QMetaType::QString)
+        return wellFormed(value.toString());
+    if (!isTextInPieces(value))
+        return value;
+    QStringList pieces = value.toStringList();
+    std::transform(pieces.begin(), pieces.end(), pieces.begin(),
+                   [](const QString &piece) { return wellFormed(piece); });
+    return pieces;
+}
+
+QByteArray contentOf(const QString &path) {
+    QFile file(path);
+    return file.open(QFile::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+bool isText(const QByteArray &content) {
+    // Stateless, it finds fault with half a character at the end as well.
+    QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
+    const QString text = decoder(content);
+    return !decoder.hasError();
+}
+
+/// The toolkit takes a byte order mark for damage, but only that: whether it is all there is.
+bool isSoundBehindMark(const QByteArray &content) {
+    const QByteArray mark("\xef\xbb\xbf");
+    QTemporaryFile rest;
+    if (!content.startsWith(mark) || !rest.open())
+        return false;
+    rest.write(content.mid(mark.size()));
+    rest.close();
+    const QSettings file(rest.fileName(), QSettings::IniFormat);
+    file.allKeys(); // has it read
+    return file.status() == QSettings::NoError;
+}
+
 } // namespace
+
+bool SettingsFile::File::event(QEvent *event) {
+    return event->type() == QEvent::UpdateRequest || QSettings::event(event);
+}
 
 SettingsFile::SettingsFile() : m_file(AppInfo::bundleIdentifier()) {
     load();
@@ -30,12 +85,23 @@ SettingsFile::SettingsFile(const QString &path) : m_file(path, QSettings::IniFor
     load();
 }
 
+SettingsFile::~SettingsFile() {
+    flush();
+}
+
 void SettingsFile::load() {
     m_file.setFallbacksEnabled(false);
-    m_file.allKeys(); // sections are read when first looked into, and only then found damaged
+    // Sections are read when first looked into, and only then found damaged.
+    const QStringList keys = m_file.allKeys();
     const QFileInfo file(m_file.fileName());
-    if (m_file.status() == QSettings::FormatError) {
-        m_keepCopy = true;
+    const QByteArray content = contentOf(file.filePath());
+    m_isDamaged = (m_file.status() == QSettings::FormatError && !isSoundBehindMark(content)) ||
+                  !isText(content) ||
+                  std::any_of(keys.begin(), keys.end(), [this](const QString &key) {
+                      const QVariant value = m_file.value(key);
+                      return wellFormed(value) != value;
+                  });
+    if (m_isDamaged) {
         report(
             QStringLiteral("the settings file is damaged; what can't be read counts as missing"));
     } else if (file.exists() && (!file.isFile() || !file.isReadable())) {
@@ -46,7 +112,7 @@ void SettingsFile::load() {
 std::optional<QVariant> SettingsFile::scalar(const QString &key) const {
     if (!m_file.contains(key))
         return std::nullopt;
-    const QVariant value = m_file.value(key);
+    const QVariant value = wellFormed(m_file.value(key));
     // Blanks around the commas are gone, and one after each is what people write.
     if (isTextInPieces(value))
         return value.toStringList().join(QStringLiteral(", "));
@@ -68,11 +134,15 @@ std::optional<qint64> SettingsFile::integer(const QString &key) const {
 }
 
 std::optional<bool> SettingsFile::boolean(const QString &key) const {
-    const QString text = string(key).value_or(QString()).toLower();
-    if (text == u"true" || text == u"1" || text == u"yes")
-        return true;
-    if (text == u"false" || text == u"0" || text == u"no")
-        return false;
+    const QString text = string(key).value_or(QString()).trimmed().toLower();
+    for (const auto word : {u"true", u"1", u"yes", u"on", u"y"}) {
+        if (text == word)
+            return true;
+    }
+    for (const auto word : {u"false", u"0", u"no", u"off", u"n"}) {
+        if (text == word)
+            return false;
+    }
     return std::nullopt;
 }
 
@@ -92,31 +162,46 @@ std::optional<QByteArray> SettingsFile::data(const QString &key) const {
 
 void SettingsFile::set(const QString &key, const QVariant &value) {
     m_file.setValue(key, value);
-    save();
+    m_isDirty = true;
 }
 
 void SettingsFile::remove(const QString &key) {
     m_file.remove(key);
-    save();
+    m_isDirty = true;
 }
 
-void SettingsFile::save() {
-    if (m_keepCopy) {
-        const QString copy = m_file.fileName() + QStringLiteral(".damaged");
-        QFile::remove(copy);
-        if (!QFile::copy(m_file.fileName(), copy)) {
-            report(QStringLiteral("not saved: the damaged settings file can't be copied aside"));
-            return;
-        }
-        report(QStringLiteral("the damaged settings file was kept as ") +
-               QFileInfo(copy).fileName());
-        m_keepCopy = false;
-    }
+void SettingsFile::flush() {
+    if (!std::exchange(m_isDirty, false) || !keepDamaged())
+        return;
+    mendTexts();
     removeNamelessLock();
     m_file.sync();
     if (m_file.status() == QSettings::AccessError)
         report(QStringLiteral("the settings couldn't be saved to disk; they last until Brindle "
                               "quits"));
+}
+
+bool SettingsFile::keepDamaged() {
+    // Others may have edited it since it was read.
+    if (!m_isDamaged && isText(contentOf(m_file.fileName())))
+        return true;
+    const QString copy = m_file.fileName() + QStringLiteral(".damaged");
+    QFile::remove(copy);
+    if (!QFile::copy(m_file.fileName(), copy)) {
+        report(QStringLiteral("not saved: the damaged settings file can't be copied aside"));
+        return false;
+    }
+    report(QStringLiteral("the damaged settings file was kept as ") + QFileInfo(copy).fileName());
+    m_isDamaged = false;
+    return true;
+}
+
+void SettingsFile::mendTexts() {
+    for (const QString &key : m_file.allKeys()) {
+        const QVariant value = m_file.value(key);
+        if (const QVariant mended = wellFormed(value); mended != value)
+            m_file.setValue(key, mended);
+    }
 }
 
 void SettingsFile::removeNamelessLock() const {

@@ -4,13 +4,14 @@
 
 #include <QSettings>
 
-/// Preferences in org.ostrowind.brindle.conf in the user's configuration folder. Every assignment
-/// is on disk when it returns, the file replaced as a whole. A file that can't be understood is
-/// copied aside before the first write, so that nothing in it is lost.
+/// Preferences in org.ostrowind.brindle.conf in the user's configuration folder. A flush replaces
+/// the file as a whole. A file that can't be understood is copied aside before the first write, so
+/// that nothing in it is lost.
 class SettingsFile : public Defaults {
 public:
     SettingsFile();
     explicit SettingsFile(const QString &path);
+    ~SettingsFile() override;
 
     std::optional<QString> string(const QString &key) const override;
     std::optional<qint64> integer(const QString &key) const override;
@@ -19,17 +20,29 @@ public:
     std::optional<QByteArray> data(const QString &key) const override;
     void set(const QString &key, const QVariant &value) override;
     void remove(const QString &key) override;
+    void flush() override;
     void onProblem(std::function<void(const QString &)> report) override;
 
 private:
+    /// Leaves alone when it writes; the toolkit's own would in the next turn of the event loop.
+    class File : public QSettings {
+    public:
+        using QSettings::QSettings;
+
+    protected:
+        bool event(QEvent *event) override;
+    };
+
     std::optional<QVariant> scalar(const QString &key) const;
     void load();
-    void save();
+    bool keepDamaged();
+    void mendTexts();
     void removeNamelessLock() const;
     void report(const QString &problem);
 
-    QSettings m_file;
+    File m_file;
+    bool m_isDirty = false; ///< something is not on disk yet
     QStringList m_unreported;
     std::function<void(const QString &)> m_report;
-    bool m_keepCopy = false; ///< the file on disk holds what we could not read
+    bool m_isDamaged = false; ///< the file on disk holds what we could not read
 };

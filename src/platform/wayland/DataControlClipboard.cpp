@@ -130,15 +130,18 @@ void DataControlClipboard::settleCount() {
 ClipboardContents DataControlClipboard::read() {
     if (!catchUp())
         return {};
-    settleCount();
     for (int times = 1;; ++times) {
         if (isOwner())
             return FlavourNames::contents(m_count.value(), m_contents);
         const qint64 count = m_count.value();
         const auto item = readOffered([](const QByteArray &) { return true; });
         // Half of one owner's and half of the next one's is what nobody copied.
-        if (count == m_count.value() || times == mostReads)
-            return FlavourNames::contents(count, item);
+        if (count != m_count.value() && times < mostReads)
+            continue;
+        auto contents = FlavourNames::contents(count, item);
+        m_count.settle([&] { return contents.text; });
+        contents.changeCount = m_count.value();
+        return contents;
     }
 }
 
@@ -146,7 +149,8 @@ std::optional<PasteboardWrite> DataControlClipboard::own(const PasteboardItem &c
                                                          std::optional<qint64> ifCountIs) {
     if (!catchUp())
         return std::nullopt;
-    settleCount();
+    if (ifCountIs)
+        settleCount();
     if (ifCountIs && m_count.value() != *ifCountIs)
         return std::nullopt;
     m_control->own(contents);

@@ -17,7 +17,13 @@ const QString noServer = QStringLiteral("no X server answers");
 } // namespace
 
 X11Backends::X11Backends(std::shared_ptr<Dispatch> dispatch)
-    : m_dispatch(std::move(dispatch)), m_x11(connectToX11()) {}
+    : m_dispatch(std::move(dispatch)),
+      m_pasteboard(std::make_shared<ThreadedPasteboard>(
+          m_dispatch,
+          [](int interrupt, ThreadedPasteboard::News news) {
+              return std::make_unique<X11Clipboard>(interrupt, std::move(news));
+          })),
+      m_x11(connectToX11()) {}
 
 X11Backends::~X11Backends() = default;
 
@@ -28,14 +34,10 @@ std::shared_ptr<X11Hotkeys> X11Backends::grabs() {
 }
 
 Result<std::shared_ptr<Pasteboard>> X11Backends::pasteboard() {
-    const auto pasteboard = std::make_shared<ThreadedPasteboard>(
-        m_dispatch, [](int interrupt, ThreadedPasteboard::News news) {
-            return std::make_unique<X11Clipboard>(interrupt, std::move(news));
-        });
-    const QString problem = pasteboard->problem(longestConnect);
+    const QString problem = m_pasteboard->problem(longestConnect);
     if (!problem.isEmpty())
         return Result<std::shared_ptr<Pasteboard>>::failure(problem);
-    return std::shared_ptr<Pasteboard>(pasteboard);
+    return std::shared_ptr<Pasteboard>(m_pasteboard);
 }
 
 Result<std::shared_ptr<Hotkeys>> X11Backends::hotkeys() {

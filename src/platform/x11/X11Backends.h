@@ -10,6 +10,7 @@
 
 #include <memory>
 
+class ThreadedPasteboard;
 class X11Connection;
 class X11Hotkeys;
 
@@ -32,6 +33,7 @@ private:
     std::shared_ptr<X11Hotkeys> grabs();
 
     std::shared_ptr<Dispatch> m_dispatch;
+    std::shared_ptr<ThreadedPasteboard> m_pasteboard; ///< connects while the others are made
     std::shared_ptr<X11Connection> m_x11;
     std::shared_ptr<X11Hotkeys> m_grabs;
 };

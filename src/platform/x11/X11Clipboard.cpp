@@ -48,20 +48,12 @@ void X11Clipboard::ownerChanged(const xcb_xfixes_selection_notify_event_t &event
     m_reader->ownerChanged();
 }
 
-void X11Clipboard::settleCount() {
-    m_count.settle([this] {
-        const auto reading = m_reader->read([](const QByteArray &name) {
-            return name == "UTF8_STRING" || name == "text/plain;charset=utf-8";
-        });
-        return FlavourNames::text(reading.given, PasteboardType::String);
-    });
-}
-
 ClipboardContents X11Clipboard::read() {
     if (!m_owner)
         return {};
-    m_x11.sync();
-    settleCount();
+    // Somebody may have taken it from us; who else owns it makes no difference.
+    if (m_owner->isOwner())
+        m_x11.sync();
     if (m_owner->isOwner())
         return FlavourNames::contents(m_count.value(), m_owner->contents());
     for (int times = 1;; ++times) {
@@ -69,9 +61,13 @@ ClipboardContents X11Clipboard::read() {
         const auto reading = m_reader->read(
             [](const QByteArray &name) { return FlavourNames::typeOf(name).has_value(); });
         // Half of one owner's and half of the next one's is what nobody copied.
-        if (count == m_count.value() || times == mostReads)
-            return FlavourNames::contents(count, reading.offered ? std::optional(reading.given)
-                                                                 : std::nullopt);
+        if (count != m_count.value() && times < mostReads)
+            continue;
+        auto contents = FlavourNames::contents(count, reading.offered ? std::optional(reading.given)
+                                                                      : std::nullopt);
+        m_count.settle([&] { return contents.text; });
+        contents.changeCount = m_count.value();
+        return contents;
     }
 }
 
@@ -81,7 +77,14 @@ std::optional<PasteboardWrite> X11Clipboard::own(const PasteboardItem &contents,
         return std::nullopt;
     // A claim by somebody else that we have not heard of by then is later than ours, and wins.
     const xcb_timestamp_t time = m_x11.freshTimestamp();
-    settleCount();
+    if (ifCountIs) {
+        m_count.settle([this] {
+            const auto reading = m_reader->read([](const QByteArray &name) {
+                return FlavourNames::typeOf(name) == PasteboardType::String;
+            });
+            return FlavourNames::text(reading.given, PasteboardType::String);
+        });
+    }
     if (ifCountIs && m_count.value() != *ifCountIs)
         return std::nullopt;
     if (!m_owner->own(contents, time)) {

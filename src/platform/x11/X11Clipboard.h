@@ -24,7 +24,6 @@ public:
 
 private:
     void ownerChanged(const xcb_xfixes_selection_notify_event_t &event);
-    void settleCount();
 
     X11Connection m_x11;
     std::unique_ptr<X11SelectionOwner> m_owner;

@@ -4,17 +4,13 @@
 
 #include "platform/x11/XcbXkb.h"
 
+#include <xkbcommon/xkbcommon-keysyms.h>
+
 #include <algorithm>
 #include <array>
 #include <utility>
 
 namespace {
-
-// Names of keysymdef.h, which would bring Xlib in.
-constexpr xcb_keysym_t numLockSym = 0xff7f;
-constexpr xcb_keysym_t scrollLockSym = 0xff14;
-constexpr xcb_keysym_t altSym = 0xffe9;
-constexpr xcb_keysym_t superSym = 0xffeb;
 
 /// A key that is held repeats at shorter intervals than this. A press after a longer one is a new
 /// press, even if the release between was not ours to see (a look for secure input can take it).
@@ -145,10 +141,10 @@ X11Hotkeys::Masks X11Hotkeys::readMasks() const {
     };
     const xcb_keycode_t *keys = xcb_get_modifier_mapping_keycodes(modifiers.get());
     const std::array<std::pair<xcb_keysym_t, uint16_t *>, 4> wanted = {
-        {{numLockSym, &masks.numLock},
-         {scrollLockSym, &masks.scrollLock},
-         {altSym, &masks.alt},
-         {superSym, &masks.super}}};
+        {{XKB_KEY_Num_Lock, &masks.numLock},
+         {XKB_KEY_Scroll_Lock, &masks.scrollLock},
+         {XKB_KEY_Alt_L, &masks.alt},
+         {XKB_KEY_Super_L, &masks.super}}};
     for (const auto &[sym, mask] : wanted) {
         for (int bit = 0; bit < 8; ++bit) {
             const xcb_keycode_t *first = keys + bit * modifiers->keycodes_per_modifier;

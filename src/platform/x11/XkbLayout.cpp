@@ -1,77 +1,51 @@
 #include "platform/x11/XkbLayout.h"
 
 #include "platform/linux/KeyCodes.h"
-#include "platform/x11/X11Connection.h"
 
-#include <QHash>
+#include <xkbcommon/xkbcommon-x11.h>
 
-#include "platform/x11/XcbXkb.h"
-
-#include <algorithm>
+#include <memory>
 
 namespace {
 
-/// The character that a keysym types: Latin-1 keysyms are their characters, and those from this
-/// number on are Unicode shifted by it (as keysymdef.h has it). 0 for all others.
-char32_t characterOf(xcb_keysym_t sym) {
-    constexpr xcb_keysym_t unicodeOffset = 0x01000000;
-    constexpr xcb_keysym_t lastUnicode = unicodeOffset + 0x10ffff;
-    if ((sym >= 0x20 && sym <= 0x7e) || (sym >= 0xa0 && sym <= 0xff))
-        return sym;
-    if (sym >= unicodeOffset + 0x100 && sym <= lastUnicode)
-        return sym - unicodeOffset;
-    return 0;
-}
+template <auto release>
+struct Release {
+    template <class T>
+    void operator()(T *pointer) const {
+        release(pointer);
+    }
+};
 
-/// The group a key really uses when it has fewer than the keyboard: the low bits of its group
-/// information are their number, the high ones say what happens to others.
-int groupOf(const xcb_xkb_key_sym_map_t &key, int wanted) {
-    const int count = key.groupInfo & 0x0f;
-    if (count == 0 || wanted < count)
-        return wanted;
-    constexpr uint8_t redirect = 0x80;
-    constexpr uint8_t clamp = 0x40;
-    if (key.groupInfo & redirect)
-        return std::min((key.groupInfo >> 4) & 0x03, count - 1);
-    if (key.groupInfo & clamp)
-        return count - 1;
-    return wanted % count;
-}
+using Context = std::unique_ptr<xkb_context, Release<xkb_context_unref>>;
+using Keymap = std::unique_ptr<xkb_keymap, Release<xkb_keymap_unref>>;
+using State = std::unique_ptr<xkb_state, Release<xkb_state_unref>>;
 
-xcb_keysym_t unmodifiedSym(const xcb_xkb_key_sym_map_t &key, int group) {
-    const int index = groupOf(key, group) * key.width;
-    if (index >= xcb_xkb_key_sym_map_syms_length(&key))
-        return 0;
-    return xcb_xkb_key_sym_map_syms(&key)[index];
+/// The character that a key types without modifiers in `group`; 0 if it types none or several.
+char32_t typedBy(xkb_keymap *keymap, xkb_keycode_t key, xkb_layout_index_t group) {
+    constexpr xkb_level_index_t unmodified = 0;
+    const xkb_keysym_t *syms = nullptr;
+    const int count = xkb_keymap_key_get_syms_by_level(keymap, key, group, unmodified, &syms);
+    return count == 1 ? xkb_keysym_to_utf32(syms[0]) : 0;
 }
 
 } // namespace
 
 std::optional<KeyLayout> XkbLayout::read(xcb_connection_t *connection) {
-    const auto stateAsked = xcb_xkb_get_state(connection, XCB_XKB_ID_USE_CORE_KBD);
-    const auto mapAsked =
-        xcb_xkb_get_map(connection, XCB_XKB_ID_USE_CORE_KBD, XCB_XKB_MAP_PART_KEY_SYMS, 0, 0, 0, 0,
-                        0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0);
-    const XcbPtr<xcb_xkb_get_state_reply_t> state(
-        xcb_xkb_get_state_reply(connection, stateAsked, nullptr));
-    const XcbPtr<xcb_xkb_get_map_reply_t> reply(
-        xcb_xkb_get_map_reply(connection, mapAsked, nullptr));
-    if (!state || !reply)
+    static const Context context(xkb_context_new(XKB_CONTEXT_NO_DEFAULT_INCLUDES));
+    const int32_t device = xkb_x11_get_core_keyboard_device_id(connection);
+    if (!context || device < 0)
         return std::nullopt;
-    xcb_xkb_get_map_map_t map;
-    xcb_xkb_get_map_map_unpack(xcb_xkb_get_map_map(reply.get()), reply->nTypes, reply->nKeySyms,
-                               reply->nKeyActions, reply->totalActions, reply->totalKeyBehaviors,
-                               reply->virtualMods, reply->totalKeyExplicit, reply->totalModMapKeys,
-                               reply->totalVModMapKeys, reply->present, &map);
-    QHash<int, char32_t> typed;
-    auto keys = xcb_xkb_get_map_map_syms_rtrn_iterator(reply.get(), &map);
-    for (int code = reply->firstKeySym; keys.rem > 0; ++code, xcb_xkb_key_sym_map_next(&keys))
-        typed.insert(code, characterOf(unmodifiedSym(*keys.data, state->group)));
-
+    const Keymap keymap(xkb_x11_keymap_new_from_device(context.get(), connection, device,
+                                                       XKB_KEYMAP_COMPILE_NO_FLAGS));
+    const State state(keymap ? xkb_x11_state_new_from_device(keymap.get(), connection, device)
+                             : nullptr);
+    if (!state)
+        return std::nullopt;
+    const auto group = xkb_state_serialize_layout(state.get(), XKB_STATE_LAYOUT_EFFECTIVE);
     KeyLayout layout{};
     for (size_t virtualKey = 0; virtualKey < layout.size(); ++virtualKey) {
-        if (const auto code = KeyCodes::x11FromVirtual(static_cast<quint32>(virtualKey)))
-            layout[virtualKey] = typed.value(*code, 0);
+        if (const auto key = KeyCodes::x11FromVirtual(static_cast<quint32>(virtualKey)))
+            layout[virtualKey] = typedBy(keymap.get(), *key, group);
     }
     return layout;
 }

@@ -5,7 +5,7 @@
 #include "preferences/connection/TokenBlock.h"
 #include "preferences/kit/BorderedField.h"
 #include "preferences/kit/Divider.h"
-#include "preferences/kit/FieldLabel.h"
+#include "preferences/kit/Labels.h"
 #include "preferences/kit/LinkButton.h"
 #include "preferences/kit/Style.h"
 #include "storage/LogStore.h"
@@ -23,18 +23,16 @@ void openTokenPage() {
         log(u"preferences: nothing on this desktop opens "_s + Addresses::tokenPage());
 }
 
-/// A field with its label above it, that shows a setting and stores what is typed at once.
+/// A field with its label above it, that shows a setting and stores what is typed.
 QLayout *settingField(const QString &title, const QString &prompt, Setting<QString> &setting) {
     auto *field = new BorderedField(prompt);
     field->setAccessibleName(title);
-    auto *label = new FieldLabel(title);
+    auto *label = fieldLabel(title);
     label->setBuddy(field);
     const auto refresh = [field, &setting] { field->show(setting()); };
     QObject::connect(&Settings::shared(), &Settings::didChange, field, refresh);
-    QObject::connect(field, &QLineEdit::textChanged, field, [&setting](const QString &text) {
-        if (text != setting())
-            setting = text;
-    });
+    QObject::connect(field, &QLineEdit::textChanged, field,
+                     [&setting](const QString &text) { setting.type(text); });
     refresh();
 
     auto *column = new QVBoxLayout;

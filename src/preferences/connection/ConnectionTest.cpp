@@ -5,7 +5,6 @@
 #include "desktop/AppDelegate.h"
 #include "model/Text.h"
 #include "platform/Platform.h"
-#include "storage/Keychain.h"
 #include "storage/Settings.h"
 
 #include <QPointer>
@@ -20,8 +19,10 @@ namespace {
 struct Words {
     QString account;
     QString saved;
-    QString refused;
+    QString notSaved;
     QString cleared;
+    QString notCleared;
+    QString notRead;
     QString noToken;
     QString probeFailed;
     QString connectedTo;
@@ -32,6 +33,8 @@ const Words &words(ConnectionTest::Product product) {
                             u"Token saved to Keychain."_s,
                             u"Failed to save token to Keychain."_s,
                             u"Token cleared."_s,
+                            u"Failed to clear token in Keychain."_s,
+                            u"Failed to read token from Keychain."_s,
                             u"Set your API token first."_s,
                             u"Token probe failed."_s,
                             u"Connected to "_s};
@@ -39,10 +42,22 @@ const Words &words(ConnectionTest::Product product) {
                                   u"Confluence token saved to Keychain."_s,
                                   u"Failed to save Confluence token to Keychain."_s,
                                   u"Confluence token cleared."_s,
+                                  u"Failed to clear Confluence token in Keychain."_s,
+                                  u"Failed to read Confluence token from Keychain."_s,
                                   u"Set your Confluence API token first."_s,
                                   u"Confluence token probe failed."_s,
                                   u"Connected to Confluence on "_s};
     return product == ConnectionTest::Product::Jira ? jira : confluence;
+}
+
+bool couldBeRead(const Keychain::TokenAnswer &answer) {
+    return answer.outcome == Keychain::Outcome::Done || answer.outcome == Keychain::Outcome::Absent;
+}
+
+/// Why it could not.
+QString unreadable(ConnectionTest::Product product, const Keychain::TokenAnswer &answer) {
+    return words(product).notRead +
+           (answer.outcome == Keychain::Outcome::Refused ? u" It is still locked."_s : QString());
 }
 
 /// How an attempt on a site ended.
@@ -79,30 +94,35 @@ Attempt attempt(ConnectionTest::Product product, const QString &baseURL, const Q
 
 ConnectionTest::ConnectionTest(Product product, QObject *parent)
     : QObject(parent), m_product(product) {
-    enqueue([this, account = words(product).account] {
-        const QString token = Keychain::loadToken(account).value_or(QString());
-        return [this, token] {
-            m_isLoaded = true;
-            Q_EMIT tokenLoaded(token);
-            Q_EMIT changed();
-        };
-    });
+    enqueue([this] { load(); });
+}
+
+void ConnectionTest::load() {
+    const auto loaded = [self = QPointer(this)](const Keychain::TokenAnswer &answer) {
+        if (!self)
+            return;
+        self->endTask();
+        self->m_isLoaded = true;
+        self->learn(answer);
+        self->tell(couldBeRead(answer) ? QString() : unreadable(self->m_product, answer),
+                   !couldBeRead(answer));
+    };
+    const auto waitsForUser = [self = QPointer(this)] {
+        if (self)
+            self->tell(u"Keychain is waiting for its password."_s, false, true);
+    };
+    Keychain::loadToken(words(m_product).account, loaded, waitsForUser);
 }
 
 void ConnectionTest::save(const QString &text) {
     const int action = ++m_actions;
-    enqueue([this, action, token = Text::trimmed(text), account = words(m_product).account] {
-        const Outcome outcome = store(token, account);
-        return [this, action, outcome] {
-            stored(outcome);
-            if (action != m_actions)
-                return;
-            const Words &texts = words(m_product);
-            tell(outcome == Outcome::Saved     ? texts.saved
-                 : outcome == Outcome::Refused ? texts.refused
-                                               : texts.cleared,
-                 outcome == Outcome::Refused);
-        };
+    enqueue([this, action, token = Text::trimmed(text)] {
+        store(token, [this, action](const Stored &stored) {
+            endTask();
+            finishStoring(stored);
+            if (action == m_actions)
+                tell(description(stored), !stored.isDone);
+        });
     });
 }
 
@@ -113,66 +133,103 @@ void ConnectionTest::test(const QString &text) {
         tell(u"Set your Atlassian email first."_s, true);
     else
         tell(u"Testing…"_s, false, true);
-    enqueue([this, site, token = Text::trimmed(text), account = words(m_product).account] {
-        const Outcome outcome = store(token, account);
-        const auto usable = Keychain::loadToken(account);
-        return [this, site, outcome, usable] {
-            stored(outcome);
-            if (site.email.isEmpty())
+    enqueue([this, site, token = Text::trimmed(text)] {
+        if (token.isEmpty() && !m_isRead) {
+            tryStoredToken(site);
+            return;
+        }
+        store(token, [this, site](const Stored &stored) {
+            finishStoring(stored);
+            if (stored.isDone || (!stored.isClearing && !stored.isLocked)) {
+                tryStoredToken(site);
                 return;
-            if (!usable || usable->isEmpty())
-                tell(words(m_product).noToken, true);
-            else
-                probe(site, *usable);
-        };
+            }
+            // What is in the keyring is not what was to be tried.
+            endTask();
+            if (!site.email.isEmpty())
+                tell(description(stored), true);
+        });
     });
 }
 
-void ConnectionTest::tell(const QString &message, bool isError, bool isTesting) {
+void ConnectionTest::tell(const QString &message, bool isError, bool isBusy) {
     m_message = message;
     m_isError = isError;
-    m_isTesting = isTesting;
+    m_isBusy = isBusy;
     Q_EMIT changed();
+}
+
+QString ConnectionTest::description(const Stored &stored) const {
+    const Words &texts = words(m_product);
+    if (stored.isDone)
+        return stored.isClearing ? texts.cleared : texts.saved;
+    return (stored.isClearing ? texts.notCleared : texts.notSaved) +
+           (stored.isLocked ? u" It is still locked; nothing was changed."_s : QString());
 }
 
 void ConnectionTest::enqueue(KeyringTask task) {
     m_keyringTasks.push_back(std::move(task));
     if (m_keyringTasks.size() == 1)
-        runNextTask();
+        m_keyringTasks.front()();
 }
 
-void ConnectionTest::runNextTask() {
-    Platform::current().dispatch->toBackground(
-        [self = QPointer(this), task = m_keyringTasks.front()] {
-            Platform::current().dispatch->toMain([self, finish = task()] {
-                if (!self)
-                    return;
-                self->m_keyringTasks.pop_front();
-                if (!self->m_keyringTasks.empty())
-                    self->runNextTask();
-                finish();
-            });
-        });
+void ConnectionTest::endTask() {
+    m_keyringTasks.pop_front();
+    if (!m_keyringTasks.empty())
+        m_keyringTasks.front()();
 }
 
-ConnectionTest::Outcome ConnectionTest::store(const QString &token, const QString &account) {
-    if (token.isEmpty()) {
-        Keychain::deleteToken(account);
-        return Outcome::Cleared;
-    }
-    return Keychain::saveToken(token, account) ? Outcome::Saved : Outcome::Refused;
+void ConnectionTest::store(const QString &token, const std::function<void(const Stored &)> &done) {
+    const bool isClearing = token.isEmpty();
+    const auto stored = [self = QPointer(this), isClearing, done](Keychain::Outcome outcome) {
+        if (!self)
+            return;
+        const bool isGone = isClearing && outcome == Keychain::Outcome::Absent;
+        done({isClearing, isGone || outcome == Keychain::Outcome::Done,
+              outcome == Keychain::Outcome::Refused});
+    };
+    if (isClearing)
+        Keychain::deleteToken(words(m_product).account, stored);
+    else
+        Keychain::saveToken(token, words(m_product).account, stored);
 }
 
-void ConnectionTest::stored(Outcome outcome) {
+void ConnectionTest::finishStoring(const Stored &stored) {
+    m_isRead = m_isRead || stored.isDone;
     if (m_product != Product::Jira)
         return;
-    if (outcome == Outcome::Saved)
-        Settings::shared().tokenSavedAt = Platform::current().dispatch->wallTime();
-    else if (outcome == Outcome::Cleared)
-        Settings::shared().tokenSavedAt = std::nullopt;
+    if (stored.isDone)
+        Settings::shared().tokenSavedAt =
+            stored.isClearing ? std::nullopt
+                              : std::optional(Platform::current().dispatch->wallTime());
     // The icon tells of an old token.
     if (AppDelegate *app = AppDelegate::shared())
         app->refreshStatusItemImage();
+}
+
+void ConnectionTest::tryStoredToken(const Site &site) {
+    const auto loaded = [self = QPointer(this), site](const Keychain::TokenAnswer &answer) {
+        if (!self)
+            return;
+        self->endTask();
+        self->learn(answer);
+        if (site.email.isEmpty())
+            return;
+        if (!answer.token.isEmpty())
+            self->probe(site, answer.token);
+        else
+            self->tell(couldBeRead(answer) ? words(self->m_product).noToken
+                                           : unreadable(self->m_product, answer),
+                       true);
+    };
+    Keychain::loadToken(words(m_product).account, loaded);
+}
+
+void ConnectionTest::learn(const Keychain::TokenAnswer &answer) {
+    if (m_isRead || !couldBeRead(answer))
+        return;
+    m_isRead = true;
+    Q_EMIT tokenLoaded(answer.token);
 }
 
 void ConnectionTest::probe(const Site &site, const QString &token) {
@@ -182,9 +239,8 @@ void ConnectionTest::probe(const Site &site, const QString &token) {
             Platform::current().dispatch->toMain([self, result, baseURL = site.baseURL] {
                 if (!self)
                     return;
-                // The id of a site that was edited meanwhile would send fetches to the wrong one.
-                if (result.cloudId && Settings::shared().baseURL() == baseURL)
-                    Settings::shared().cloudId = *result.cloudId;
+                if (result.cloudId)
+                    CloudId::keep(*result.cloudId, baseURL);
                 self->tell(result.message, !result.cloudId);
             });
         });

@@ -1,15 +1,15 @@
 #pragma once
 
+#include "storage/Keychain.h"
+
 #include <QObject>
 #include <QString>
 
 #include <deque>
 #include <functional>
-#include <optional>
 
-/// Saving and trying the token of one product: what the buttons of the Connection tab do. The
-/// keyring and the network are asked on background threads, since a locked keyring waits for its
-/// prompt. Main thread only; what it does not live to see is dropped.
+/// Saving and trying the token of one product: what the buttons of the Connection tab do. Main
+/// thread only; what it does not live to see is dropped.
 class ConnectionTest : public QObject {
     Q_OBJECT
 
@@ -28,42 +28,52 @@ public:
     /// What is to be told, empty at first; the newest word of any save or test.
     const QString &message() const { return m_message; }
     bool isError() const { return m_isError; }
-    /// Whether the message is that a test is under way.
-    bool isTesting() const { return m_isTesting; }
+    /// Whether the message is that something is under way.
+    bool isBusy() const { return m_isBusy; }
 
     /// Stores `text` without white space at its ends; nothing left clears the token.
     void save(const QString &text);
 
-    /// Stores `text` like save() and tries it with the site and the e-mail now in the settings.
+    /// Stores `text` like save() and tries it with the site and the e-mail now in the settings. No
+    /// text clears nothing as long as the stored token could not be read; that one is tried.
     /// Tests may overlap; the last to end decides what is told. Success stores the cloud id.
     void test(const QString &text);
 
 Q_SIGNALS:
-    /// The stored token, empty for none. Once.
+    /// The stored token, empty for none. Once; not before the keyring could be read.
     void tokenLoaded(const QString &token);
     void changed();
 
 private:
-    enum class Outcome { Saved, Refused, Cleared };
     struct Site {
         QString baseURL;
         QString email;
     };
-    /// Work for the keyring on a background thread; returns what is to follow on the main one.
-    using KeyringTask = std::function<std::function<void()>()>;
+    struct Stored {
+        bool isClearing = false; ///< the token was to be removed, else replaced
+        bool isDone = false;
+        bool isLocked = false; ///< not done since the keyring stayed locked
+    };
+    /// Work for the keyring; calls endTask() when the next may begin.
+    using KeyringTask = std::function<void()>;
 
-    void tell(const QString &message, bool isError, bool isTesting = false);
+    void tell(const QString &message, bool isError, bool isBusy = false);
+    QString description(const Stored &stored) const;
+    void load();
     void enqueue(KeyringTask task);
-    void runNextTask();
-    static Outcome store(const QString &token, const QString &account);
-    void stored(Outcome outcome);
+    void endTask();
+    void store(const QString &token, const std::function<void(const Stored &)> &done);
+    void finishStoring(const Stored &stored);
+    void tryStoredToken(const Site &site);
+    void learn(const Keychain::TokenAnswer &answer);
     void probe(const Site &site, const QString &token);
 
     Product m_product;
     QString m_message;
     bool m_isError = false;
-    bool m_isTesting = false;
+    bool m_isBusy = false;
     bool m_isLoaded = false;
+    bool m_isRead = false;                  ///< what the keyring holds was read or written here
     std::deque<KeyringTask> m_keyringTasks; ///< one at a time, the first is running
     int m_actions = 0; ///< saves and tests started; a save is told about only if it is the newest
 };

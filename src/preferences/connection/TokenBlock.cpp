@@ -4,9 +4,8 @@
 #include "preferences/kit/BorderedField.h"
 #include "preferences/kit/Button.h"
 #include "preferences/kit/Caption.h"
-#include "preferences/kit/FieldLabel.h"
+#include "preferences/kit/Labels.h"
 #include "preferences/kit/ResultLine.h"
-#include "preferences/kit/SectionHeader.h"
 #include "preferences/kit/Style.h"
 #include "storage/Settings.h"
 
@@ -73,7 +72,7 @@ TokenBlock::TokenBlock(ConnectionTest::Product product, QWidget *parent)
     m_token->setToolTip(texts.help);
     m_token->setAccessibleName(texts.name + u" API Token"_s);
     m_token->setAccessibleDescription(texts.help);
-    auto *label = new FieldLabel(u"API Token"_s);
+    auto *label = fieldLabel(u"API Token"_s);
     label->setBuddy(m_token);
     m_save->setKind(Button::Kind::Prominent);
     m_save->setAccessibleDescription(texts.name);
@@ -87,7 +86,7 @@ TokenBlock::TokenBlock(ConnectionTest::Product product, QWidget *parent)
     auto *column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(Style::tightSpacing);
-    column->addWidget(new SectionHeader(texts.header));
+    column->addWidget(sectionHeader(texts.header));
     column->addSpacing(Style::blockSpacing - Style::tightSpacing);
     column->addWidget(label);
     column->addWidget(m_token);
@@ -105,7 +104,10 @@ TokenBlock::TokenBlock(ConnectionTest::Product product, QWidget *parent)
     connect(m_token, &QLineEdit::returnPressed, this, [this] { m_test.save(m_token->text()); });
     connect(m_save, &QPushButton::clicked, this, [this] { m_test.save(m_token->text()); });
     connect(m_try, &QPushButton::clicked, this, [this] { m_test.test(m_token->text()); });
-    connect(&m_test, &ConnectionTest::tokenLoaded, m_token, &QLineEdit::setText);
+    connect(&m_test, &ConnectionTest::tokenLoaded, this, [this](const QString &token) {
+        if (m_token->text().isEmpty()) // else the user has another in mind
+            m_token->setText(token);
+    });
     connect(&m_test, &ConnectionTest::changed, this, &TokenBlock::refresh);
     refresh();
 }
@@ -119,7 +121,7 @@ void TokenBlock::refresh() {
     for (QWidget *control : std::initializer_list<QWidget *>{m_token, m_save, m_try})
         control->setEnabled(m_test.isLoaded());
     const ResultLine::State state = m_test.message().isEmpty() ? ResultLine::State::Idle
-                                    : m_test.isTesting()       ? ResultLine::State::Busy
+                                    : m_test.isBusy()          ? ResultLine::State::Busy
                                     : m_test.isError()         ? ResultLine::State::Warning
                                                                : ResultLine::State::Success;
     m_result->setResult(state, m_test.message());

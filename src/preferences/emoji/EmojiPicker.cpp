@@ -1,9 +1,9 @@
 #include "preferences/emoji/EmojiPicker.h"
 
-#include "preferences/emoji/EmojiPickerGrid.h"
+#include "preferences/emoji/EmojiGrid.h"
 #include "preferences/kit/BorderedField.h"
 #include "preferences/kit/Caption.h"
-#include "preferences/kit/SectionHeader.h"
+#include "preferences/kit/Labels.h"
 #include "preferences/kit/Style.h"
 
 #include <QKeyEvent>
@@ -26,7 +26,7 @@ EmojiPicker::EmojiPicker(BorderedField *field)
     : Popover(Qt::Popup, field),
       m_field(field),
       m_search(new BorderedField(QStringLiteral("Search emoji"), this)),
-      m_recentTitle(new SectionHeader(QStringLiteral("Recent"), this)),
+      m_recentTitle(sectionHeader(QStringLiteral("Recent"))),
       m_recent(new EmojiGrid(this)),
       m_all(new EmojiGrid(this)),
       m_name(new Caption({}, this)) {

@@ -1,12 +1,12 @@
 #pragma once
 
-#include "preferences/emoji/EmojiPickerCatalogue.h"
+#include "preferences/emoji/EmojiCatalogue.h"
 #include "preferences/kit/Popover.h"
 
 class BorderedField;
 class Caption;
 class EmojiGrid;
-class SectionHeader;
+class QLabel;
 
 /// A popup in which one emoji is picked, by mouse or keyboard, with a search by name and the recent
 /// choices. It deletes itself when closed.
@@ -29,7 +29,7 @@ private:
 
     BorderedField *m_field;
     BorderedField *m_search;
-    SectionHeader *m_recentTitle;
+    QLabel *m_recentTitle;
     EmojiGrid *m_recent;
     EmojiGrid *m_all;
     Caption *m_name;

@@ -2,11 +2,11 @@
 
 #include "platform/wording.h"
 #include "preferences/SettingsBinding.h"
-#include "preferences/emoji/EmojiPickerField.h"
+#include "preferences/emoji/EmojiField.h"
 #include "preferences/kit/AccessibleRole.h"
 #include "preferences/kit/Button.h"
 #include "preferences/kit/Caption.h"
-#include "preferences/kit/FieldLabel.h"
+#include "preferences/kit/Labels.h"
 #include "preferences/kit/Style.h"
 
 #include <QHBoxLayout>
@@ -53,17 +53,15 @@ QHBoxLayout *rowLayout(QWidget *row) {
     return layout;
 }
 
-/// Assigns the list with one entry changed.
+/// Takes what is typed into one entry.
 template <class Change>
 void changeEntry(qsizetype index, const Change &change) {
     Settings &settings = Settings::shared();
     QList<TypeEmojiMapping> mappings = settings.typeEmojiMappings();
     if (index >= mappings.size())
         return;
-    const TypeEmojiMapping before = mappings.at(index);
     change(mappings[index]);
-    if (mappings.at(index) != before)
-        settings.typeEmojiMappings = mappings;
+    settings.typeEmojiMappings.type(mappings);
 }
 
 } // namespace
@@ -72,7 +70,7 @@ EmojiTable::EmojiTable(QWidget *parent) : QWidget(parent) {
     auto *column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(Style::tightSpacing);
-    column->addWidget(new FieldLabel(QStringLiteral("Type emojis")));
+    column->addWidget(fieldLabel(QStringLiteral("Type emojis")));
     column->addWidget(new Caption(QStringLiteral(
         "Maps Jira issue types → emoji for the `{type-emoji}` placeholder. Case-insensitive. The "
         "Comment row feeds `{comment-emoji}`.")));
@@ -96,11 +94,8 @@ void EmojiTable::addCommentRow(QVBoxLayout &column) {
     title->setContentsMargins(Style::fieldHorizontalPadding, 0, 0, 0);
     Style::dress(title, Style::TextRole::Body);
     m_commentEmoji = new EmojiField(QStringLiteral("Emoji for comments"));
-    connect(m_commentEmoji, &QLineEdit::textChanged, this, [](const QString &text) {
-        Settings &settings = Settings::shared();
-        if (text != settings.commentEmoji())
-            settings.commentEmoji = text;
-    });
+    connect(m_commentEmoji, &QLineEdit::textChanged, this,
+            [](const QString &text) { Settings::shared().commentEmoji.type(text); });
     m_commentPicker = pickerButton(m_commentEmoji);
     layout->addWidget(title, 1);
     layout->addWidget(m_commentEmoji);

@@ -5,12 +5,14 @@
 #include <QWidget>
 
 class Button;
-class FieldLabel;
+class Caption;
+class QLabel;
 
 /// One hotkey row of the General tab: its label, the button that records, and "Reset" (primary) or
-/// "Clear" (alternate). What it records is stored and registered at once. While the row is not on
-/// the screen a recording pauses. The button of the primary answers Return in the whole window.
-/// The caption below the two rows is not part of them. Main thread only.
+/// "Clear" (alternate), and a line below when the hotkey can't be had. What it records is stored
+/// and registered at once. While the row is not on the screen a recording pauses. The button of the
+/// primary answers Return in the whole window. The caption below the two rows is not part of them.
+/// Main thread only.
 class HotkeyRecorder : public QWidget {
     Q_OBJECT
 
@@ -26,10 +28,14 @@ protected:
 private:
     void makeDefault();
     void alignLabel();
+    QLayout *buttonRow();
     void refresh();
+    void refreshProblem();
 
     RecordedHotkey m_hotkey;
-    FieldLabel *m_label = nullptr;
+    KeyCombo m_atStart; ///< what an earlier session left behind is no news
+    QLabel *m_label = nullptr;
     Button *m_record = nullptr;
     Button *m_restore = nullptr; ///< "Reset" or "Clear"
+    Caption *m_problem = nullptr;
 };

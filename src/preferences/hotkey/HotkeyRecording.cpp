@@ -3,6 +3,8 @@
 #include "desktop/AppDelegate.h"
 #include "desktop/HotkeyManager.h"
 #include "platform/Platform.h"
+#include "platform/wording.h"
+#include "storage/LogStore.h"
 #include "storage/Settings.h"
 
 #include <QGuiApplication>
@@ -71,7 +73,7 @@ HotkeyRecording::HotkeyRecording() {
     connect(qGuiApp, &QGuiApplication::applicationStateChanged, this, [this] {
         if (!isApplicationActive())
             letGo(); // whoever has the keyboard now sees the release
-        settle();
+        shareHotkeys();
     });
     connect(qGuiApp, &QCoreApplication::aboutToQuit, this, [this] {
         letGo();
@@ -85,14 +87,28 @@ void HotkeyRecording::toggle(RecordedHotkey hotkey) {
 
 void HotkeyRecording::setOnScreen(RecordedHotkey hotkey, bool isOnScreen) {
     m_onScreen[static_cast<size_t>(hotkey)] = isOnScreen;
-    settle();
+    shareHotkeys();
+}
+
+KeyCombo HotkeyRecording::stored(RecordedHotkey hotkey) {
+    const Settings &settings = Settings::shared();
+    return hotkey == RecordedHotkey::Primary
+               ? KeyCombo{settings.hotkeyKeyCode(), settings.hotkeyModifiers()}
+               : KeyCombo{settings.hotkey2KeyCode(), settings.hotkey2Modifiers()};
 }
 
 void HotkeyRecording::store(RecordedHotkey hotkey, const KeyCombo &combo) {
     Settings &settings = Settings::shared();
     const bool isPrimary = hotkey == RecordedHotkey::Primary;
-    (isPrimary ? settings.hotkeyKeyCode : settings.hotkey2KeyCode) = combo.keyCode;
-    (isPrimary ? settings.hotkeyModifiers : settings.hotkey2Modifiers) = combo.modifiers;
+    const KeyCombo before = stored(hotkey);
+    if (combo.keyCode != before.keyCode)
+        (isPrimary ? settings.hotkeyKeyCode : settings.hotkey2KeyCode) = combo.keyCode;
+    if (combo.modifiers != before.modifiers)
+        (isPrimary ? settings.hotkeyModifiers : settings.hotkey2Modifiers) = combo.modifiers;
+    if (combo.modifiers != 0 && !combo.isSet()) // nobody will try to register it
+        log(QStringLiteral("hotkey: %1 %2")
+                .arg(wording().describeHotkey(combo.keyCode, combo.modifiers),
+                     HotkeyManager::shared().problemOf(combo)));
     if (!m_heldKey) { // else they come back once it is let go
         m_hotkeysAreAway = false;
         if (AppDelegate *app = AppDelegate::shared())
@@ -103,7 +119,7 @@ void HotkeyRecording::store(RecordedHotkey hotkey, const KeyCombo &combo) {
 
 void HotkeyRecording::setCurrent(std::optional<RecordedHotkey> hotkey) {
     m_current = hotkey;
-    settle();
+    shareHotkeys();
     Q_EMIT changed();
 }
 
@@ -111,7 +127,7 @@ bool HotkeyRecording::isListening() const {
     return m_current && m_onScreen[static_cast<size_t>(*m_current)];
 }
 
-void HotkeyRecording::settle() {
+void HotkeyRecording::shareHotkeys() {
     const bool keepsOthersOut = isListening() || m_isStoring || m_heldKey;
     qGuiApp->removeEventFilter(this);
     if (keepsOthersOut)
@@ -181,7 +197,7 @@ void HotkeyRecording::keyReleased(const QKeyEvent &key) {
     m_release.cancel();
     m_release = Platform::current().dispatch->after(repeatGap, [this] {
         letGo();
-        settle();
+        shareHotkeys();
     });
 }
 

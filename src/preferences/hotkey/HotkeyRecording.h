@@ -32,6 +32,8 @@ public:
     /// recorded one is.
     void setOnScreen(RecordedHotkey hotkey, bool isOnScreen);
 
+    /// The hotkey in the settings.
+    static KeyCombo stored(RecordedHotkey hotkey);
     /// Stores a hotkey in the settings and registers it; ends a recording of it.
     void store(RecordedHotkey hotkey, const KeyCombo &combo);
 
@@ -52,7 +54,7 @@ private:
     void letGo();
     void setCurrent(std::optional<RecordedHotkey> hotkey);
     /// Gives the registered hotkeys back, or takes them again, as the state demands.
-    void settle();
+    void shareHotkeys();
 
     std::optional<RecordedHotkey> m_current;
     std::array<bool, 2> m_onScreen{};

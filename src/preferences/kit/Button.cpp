@@ -40,12 +40,6 @@ void Button::setKind(Kind kind) {
     update();
 }
 
-void Button::setSymbol(std::optional<Symbol> symbol) {
-    m_symbol = symbol;
-    updateGeometry();
-    update();
-}
-
 QSize Button::sizeHint() const {
     ensurePolished();
     const int line = fontMetrics().height();
@@ -75,13 +69,14 @@ void Button::paintBody(QPainter &painter) const {
     QColor shade = palette().color(QPalette::WindowText);
     const bool lit = isEnabled() && underMouse();
     if (m_kind == Kind::Prominent) {
-        QColor fill = Style::colour(ColourRole::Accent, palette());
+        QColor fill = Style::colour(ColourRole::AccentFill, palette());
+        // Away from the colour of the title, which has to be read all the while.
+        const int depth = isDown() ? 118 : lit ? 108 : 100;
+        const bool isTitleWhite = Style::colour(ColourRole::OnAccent, palette()) == Qt::white;
+        fill = isTitleWhite ? fill.darker(depth) : fill.lighter(depth);
         if (!isEnabled())
             fill.setAlphaF(0.4F);
-        Style::paintBox(painter, rect(), Style::buttonRadius,
-                        isDown() ? fill.darker(118)
-                        : lit    ? fill.lighter(108)
-                                 : fill);
+        Style::paintBox(painter, rect(), Style::buttonRadius, fill);
         return;
     }
     const bool bordered = m_kind == Kind::Bordered;
@@ -94,17 +89,17 @@ void Button::paintEvent(QPaintEvent *) {
     QPainter painter(this);
     paintBody(painter);
     const QColor colour = contentColour();
-    const int words = fontMetrics().horizontalAdvance(text());
+    const int textWidth = fontMetrics().horizontalAdvance(text());
     const int gap = m_symbol && !text().isEmpty() ? symbolGap : 0;
     const int symbol = m_symbol ? symbolSize() : 0;
-    int x = (width() - words - gap - symbol) / 2;
+    int x = (width() - textWidth - gap - symbol) / 2;
     if (m_symbol)
         Symbols::paint(painter, *m_symbol, QRectF(x, (height() - symbol) / 2.0, symbol, symbol),
                        colour);
     x += symbol + gap;
     painter.setPen(colour);
     painter.setFont(font());
-    painter.drawText(QRect(x, 0, words + 1, height()),
+    painter.drawText(QRect(x, 0, textWidth + 1, height()),
                      Qt::AlignVCenter | Qt::AlignLeft | Qt::TextHideMnemonic, text());
     if (!hasFocus())
         return;

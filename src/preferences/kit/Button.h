@@ -26,7 +26,6 @@ public:
                             QWidget *parent = nullptr);
 
     void setKind(Kind kind);
-    void setSymbol(std::optional<Symbol> symbol);
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override { return sizeHint(); }

@@ -20,19 +20,24 @@ LinkButton::LinkButton(const QString &text, QWidget *parent) : QPushButton(text,
     setCursor(Qt::PointingHandCursor);
     setFocusPolicy(Qt::TabFocus);
     setAttribute(Qt::WA_Hover);
-    setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+    setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Fixed);
     Style::dress(this, Style::TextRole::Body);
 }
 
 QSize LinkButton::sizeHint() const {
     ensurePolished();
-    return {symbolSide() + gap + fontMetrics().horizontalAdvance(text()) + 2 * padding,
+    const int textWidth = fontMetrics().horizontalAdvance(text()) + 1; // it may be a fraction more
+    return {symbolSide() + gap + textWidth + 2 * padding,
             std::max(symbolSide(), fontMetrics().height()) + 2 * padding};
+}
+
+QSize LinkButton::minimumSizeHint() const {
+    return {Style::scaled(160), sizeHint().height()};
 }
 
 void LinkButton::paintEvent(QPaintEvent *) {
     QPainter painter(this);
-    QColor colour = Style::colour(Style::ColourRole::Accent, palette());
+    QColor colour = Style::colour(Style::ColourRole::Link, palette());
     if (isDown())
         colour.setAlphaF(0.7F);
     const int side = symbolSide();
@@ -42,8 +47,9 @@ void LinkButton::paintEvent(QPaintEvent *) {
     lettering.setUnderline(underMouse());
     painter.setFont(lettering);
     painter.setPen(colour);
-    painter.drawText(rect().adjusted(padding + side + gap, 0, 0, 0),
-                     Qt::AlignVCenter | Qt::AlignLeft | Qt::TextHideMnemonic, text());
+    const QRect area = rect().adjusted(padding + side + gap, 0, -padding, 0);
+    painter.drawText(area, Qt::AlignVCenter | Qt::AlignLeft | Qt::TextHideMnemonic,
+                     fontMetrics().elidedText(text(), Qt::ElideMiddle, area.width()));
     if (hasFocus())
         Style::paintFocusRing(painter, rect(), Style::chipRadius, palette());
 }

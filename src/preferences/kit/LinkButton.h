@@ -2,7 +2,8 @@
 
 #include <QPushButton>
 
-/// A line of text that opens a page; a button to the keyboard and to assistive programs.
+/// A line of text that opens a page, shortened where there is no room; a button to the keyboard and
+/// to assistive programs.
 class LinkButton : public QPushButton {
     Q_OBJECT
 
@@ -10,7 +11,7 @@ public:
     explicit LinkButton(const QString &text, QWidget *parent = nullptr);
 
     QSize sizeHint() const override;
-    QSize minimumSizeHint() const override { return sizeHint(); }
+    QSize minimumSizeHint() const override;
 
 protected:
     void paintEvent(QPaintEvent *event) override;

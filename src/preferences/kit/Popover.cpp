@@ -21,8 +21,13 @@ void Popover::showAt(const QRect &anchor) {
     adjustSize();
     const QScreen *screen = QGuiApplication::screenAt(anchor.center());
     const QRect space = (screen ? screen : QGuiApplication::primaryScreen())->availableGeometry();
+    const int below = space.bottom() - anchor.bottom() - gap;
+    const int above = anchor.top() - space.top() - gap;
+    const bool isBelow = height() <= below || below >= above;
+    // Where it fits on neither side, it gets as low as it can be.
+    resize(width(), std::min(height(), isBelow ? below : above));
     QRect place(QPoint(anchor.center().x() - width() / 2, anchor.bottom() + gap), size());
-    if (place.bottom() > space.bottom() && anchor.top() - gap - height() >= space.top())
+    if (!isBelow)
         place.moveBottom(anchor.top() - gap);
     place.moveLeft(std::max(space.left(), std::min(place.left(), space.right() - width() + 1)));
     place.moveTop(std::max(space.top(), std::min(place.top(), space.bottom() - height() + 1)));

@@ -11,7 +11,8 @@ public:
     /// takes it and closes at a click elsewhere.
     Popover(Qt::WindowType type, QWidget *parent);
 
-    /// Shows it at `anchor`, in global coordinates, within the screen.
+    /// Shows it at `anchor`, in global coordinates, within the screen; less high than it wants to
+    /// be, down to its least size, where there is not the room.
     void showAt(const QRect &anchor);
 
 Q_SIGNALS:

@@ -8,6 +8,7 @@
 #include <QEvent>
 #include <QHBoxLayout>
 #include <QPainter>
+#include <QTimer>
 
 namespace {
 
@@ -17,8 +18,6 @@ Style::ColourRole colourOf(ResultLine::State state) {
         return Style::ColourRole::Success;
     case ResultLine::State::Warning:
         return Style::ColourRole::Warning;
-    case ResultLine::State::Failure:
-        return Style::ColourRole::Failure;
     default:
         return Style::ColourRole::Secondary;
     }
@@ -27,19 +26,20 @@ Style::ColourRole colourOf(ResultLine::State state) {
 /// The symbol of a result; turns while something is under way and it can be seen.
 class ResultIcon : public QWidget {
 public:
-    explicit ResultIcon(const ResultLine &line) : m_line(line) {
+    ResultIcon(const ResultLine &line, int margin) : m_line(line), m_margin(margin) {
         constexpr int frame = 80;
         m_turn.setInterval(frame);
         m_turn.callOnTimeout(this, [this] {
             m_angle = (m_angle + 30) % 360;
             update();
         });
-        settle();
+        refresh();
     }
 
-    void settle() {
-        const int side = Style::scaled(18);
-        setFixedSize(side, side);
+    void refresh() {
+        // As high as the first line of the text, so that it stands in its middle.
+        const QFontMetrics metrics(Style::font(Style::TextRole::Caption));
+        setFixedSize(Style::scaled(18), metrics.height() + 2 * m_margin);
         if (isVisible() && m_line.state() == ResultLine::State::Busy)
             m_turn.start();
         else
@@ -48,7 +48,7 @@ public:
     }
 
 protected:
-    void showEvent(QShowEvent *) override { settle(); }
+    void showEvent(QShowEvent *) override { refresh(); }
     void hideEvent(QHideEvent *) override { m_turn.stop(); }
 
     void paintEvent(QPaintEvent *) override {
@@ -66,9 +66,6 @@ protected:
         case ResultLine::State::Warning:
             Symbols::paint(painter, Symbol::WarningTriangle, rect(), colour);
             break;
-        case ResultLine::State::Failure:
-            Symbols::paint(painter, Symbol::CrossCircle, rect(), colour);
-            break;
         }
     }
 
@@ -76,24 +73,27 @@ private:
     void paintArc(QPainter &painter, const QColor &colour) const {
         painter.setRenderHint(QPainter::Antialiasing);
         painter.setPen(QPen(colour, 2, Qt::SolidLine, Qt::RoundCap));
-        painter.drawArc(QRectF(rect()).adjusted(3, 3, -3, -3), -m_angle * 16, 270 * 16);
+        const qreal radius = width() / 2.0 - 3;
+        const QPointF centre = QRectF(rect()).center();
+        painter.drawArc(QRectF(centre - QPointF(radius, radius), QSizeF(2 * radius, 2 * radius)),
+                        -m_angle * 16, 270 * 16);
     }
 
     const ResultLine &m_line;
+    int m_margin; ///< above and below the text
     QTimer m_turn;
     int m_angle = 0;
 };
 
 } // namespace
 
-ResultLine::ResultLine(QWidget *parent) : QWidget(parent), m_icon(new ResultIcon(*this)) {
+ResultLine::ResultLine(QWidget *parent)
+    : QWidget(parent), m_text(Qt::PlainText), m_icon(new ResultIcon(*this, m_text.margin())) {
     setAccessibleRole(this, QAccessible::AlertMessage);
     auto *row = new QHBoxLayout(this);
     row->setContentsMargins(0, 0, 0, 0);
-    row->setSpacing(7);
-    m_text.setWordWrap(true);
-    m_text.setTextFormat(Qt::PlainText);
-    m_text.setTextInteractionFlags(Qt::TextSelectableByMouse);
+    row->setSpacing(4);
+    Style::dress(&m_text, Style::TextRole::Caption);
     row->addWidget(m_icon, 0, Qt::AlignTop);
     row->addWidget(&m_text, 1);
     setResult(State::Idle);
@@ -103,9 +103,8 @@ void ResultLine::setResult(State state, const QString &text) {
     m_state = state;
     m_text.setText(text);
     setAccessibleName(text);
-    Style::dress(&m_text, Style::TextRole::Caption, colourOf(state));
     setVisible(state != State::Idle);
-    static_cast<ResultIcon *>(m_icon)->settle();
+    static_cast<ResultIcon *>(m_icon)->refresh();
     if (state != State::Idle && isVisible()) {
         QAccessibleEvent news(this, QAccessible::Alert);
         QAccessible::updateAccessibility(&news);
@@ -114,6 +113,6 @@ void ResultLine::setResult(State state, const QString &text) {
 
 bool ResultLine::event(QEvent *event) {
     if (event->type() == QEvent::ApplicationFontChange)
-        static_cast<ResultIcon *>(m_icon)->settle();
+        static_cast<ResultIcon *>(m_icon)->refresh();
     return QWidget::event(event);
 }

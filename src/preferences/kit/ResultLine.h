@@ -1,15 +1,15 @@
 #pragma once
 
-#include <QLabel>
-#include <QTimer>
+#include "preferences/kit/SelectableLabel.h"
+
 #include <QWidget>
 
-/// How something went: a symbol and a text. Hidden while there is nothing to tell.
+/// How something went: a coloured symbol and a text. Hidden while there is nothing to tell.
 class ResultLine : public QWidget {
     Q_OBJECT
 
 public:
-    enum class State { Idle, Busy, Success, Warning, Failure };
+    enum class State { Idle, Busy, Success, Warning };
 
     explicit ResultLine(QWidget *parent = nullptr);
 
@@ -24,6 +24,6 @@ protected:
 
 private:
     State m_state = State::Idle;
+    SelectableLabel m_text;
     QWidget *m_icon;
-    QLabel m_text;
 };

@@ -39,23 +39,23 @@ protected:
     void paintEvent(QPaintEvent *) override {
         using Style::ColourRole;
         QPainter painter(this);
-        QColor words = Style::colour(ColourRole::Primary, palette());
+        QColor textColour = Style::colour(ColourRole::Primary, palette());
         if (isChecked()) {
             Style::paintBox(painter, rect(), Style::fieldRadius - padding,
-                            Style::colour(ColourRole::Accent, palette()));
-            words = Style::colour(ColourRole::OnAccent, palette());
+                            Style::colour(ColourRole::AccentFill, palette()));
+            textColour = Style::colour(ColourRole::OnAccent, palette());
         } else if (underMouse() || isDown()) {
-            QColor tint = words;
+            QColor tint = textColour;
             tint.setAlphaF(isDown() ? 0.14F : 0.07F);
             Style::paintBox(painter, rect(), Style::fieldRadius - padding, tint);
         }
-        painter.setPen(words);
+        painter.setPen(textColour);
         painter.drawText(rect(), Qt::AlignCenter, text());
         // Around the choice the ring would vanish in its colour, so it is drawn in that of the
         // words.
         if (hasFocus() && m_ring.isVisible())
             Style::paintBox(painter, QRectF(rect()).adjusted(2, 2, -2, -2),
-                            Style::fieldRadius - padding - 1, {}, words, 1.5);
+                            Style::fieldRadius - padding - 1, {}, textColour, 1.5);
     }
 
 private:

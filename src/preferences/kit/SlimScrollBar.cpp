@@ -14,13 +14,13 @@ SlimScrollBar::SlimScrollBar(QAbstractScrollArea *area)
     setAttribute(Qt::WA_Hover);
     // The hidden bar of the area stays in charge of what there is to scroll; the two mirror it.
     const QScrollBar *usual = area->verticalScrollBar();
-    connect(usual, &QScrollBar::rangeChanged, this, &SlimScrollBar::settle);
+    connect(usual, &QScrollBar::rangeChanged, this, &SlimScrollBar::mirror);
     connect(usual, &QScrollBar::valueChanged, this, &QScrollBar::setValue);
     connect(this, &QScrollBar::valueChanged, usual, &QScrollBar::setValue);
-    settle();
+    mirror();
 }
 
-void SlimScrollBar::settle() {
+void SlimScrollBar::mirror() {
     const QScrollBar *usual = m_area->verticalScrollBar();
     setRange(usual->minimum(), usual->maximum());
     setPageStep(usual->pageStep());
@@ -33,7 +33,7 @@ void SlimScrollBar::settle() {
 
 bool SlimScrollBar::eventFilter(QObject *, QEvent *event) {
     if (event->type() == QEvent::Resize)
-        QMetaObject::invokeMethod(this, &SlimScrollBar::settle, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(this, &SlimScrollBar::mirror, Qt::QueuedConnection);
     return false;
 }
 

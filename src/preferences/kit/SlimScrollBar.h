@@ -19,7 +19,7 @@ protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
-    void settle();
+    void mirror();
 
     QAbstractScrollArea *m_area;
 };

@@ -8,6 +8,9 @@
 #include <QPointer>
 #include <QWidget>
 
+#include <algorithm>
+#include <cmath>
+
 namespace Style {
 
 namespace {
@@ -23,6 +26,32 @@ bool isDark(const QPalette &palette) {
 QColor withOpacity(QColor colour, qreal opacity) {
     colour.setAlphaF(static_cast<float>(opacity));
     return colour;
+}
+
+qreal luminance(const QColor &colour) {
+    const auto linear = [](qreal part) {
+        return part <= 0.04045 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
+    };
+    return 0.2126 * linear(colour.redF()) + 0.7152 * linear(colour.greenF()) +
+           0.0722 * linear(colour.blueF());
+}
+
+/// `colour` as it is if a text in it reads on `ground`, else no more than needed lighter or darker.
+QColor readable(const QColor &colour, const QColor &ground) {
+    const bool darker = contrast(Qt::black, ground) > contrast(Qt::white, ground);
+    const float end = darker ? 0 : 1;
+    QColor found = colour;
+    for (float way = 0; way < 1 && contrast(found, ground) < textContrast; way += 0.01F)
+        found = QColor::fromRgbF(std::lerp(colour.redF(), end, way),
+                                 std::lerp(colour.greenF(), end, way),
+                                 std::lerp(colour.blueF(), end, way));
+    return found;
+}
+
+/// Whether white stands on the accent, if a little deepened, as desktops have it; else black does.
+bool isWhiteOnAccent(const QColor &accent) {
+    constexpr qreal largeTextContrast = 3;
+    return contrast(Qt::white, accent) >= largeTextContrast;
 }
 
 int nominalSize(TextRole role) {
@@ -151,8 +180,15 @@ QFont font(TextRole role) {
     return font;
 }
 
+qreal contrast(const QColor &one, const QColor &other) {
+    const auto [darker, lighter] = std::minmax({luminance(one), luminance(other)});
+    return (lighter + 0.05) / (darker + 0.05);
+}
+
 QColor colour(ColourRole role, const QPalette &palette) {
     const QColor text = palette.color(QPalette::WindowText);
+    const QColor accent = palette.color(QPalette::Highlight);
+    const QColor window = palette.color(QPalette::Window);
     const bool dark = isDark(palette);
     switch (role) {
     case ColourRole::Primary:
@@ -160,9 +196,13 @@ QColor colour(ColourRole role, const QPalette &palette) {
     case ColourRole::Secondary:
         return withOpacity(text, 0.64);
     case ColourRole::Accent:
-        return palette.color(QPalette::Highlight);
+        return accent;
+    case ColourRole::AccentFill:
+        return isWhiteOnAccent(accent) ? readable(accent, Qt::white) : accent;
     case ColourRole::OnAccent:
-        return Qt::white;
+        return isWhiteOnAccent(accent) ? Qt::white : Qt::black;
+    case ColourRole::Link:
+        return readable(accent, window);
     case ColourRole::FieldFill:
         return palette.color(QPalette::Base);
     case ColourRole::FieldStroke:
@@ -172,9 +212,7 @@ QColor colour(ColourRole role, const QPalette &palette) {
     case ColourRole::Success:
         return dark ? QColor(0x4c, 0xc3, 0x6a) : QColor(0x1b, 0x7f, 0x3b);
     case ColourRole::Warning:
-        return dark ? QColor(0xff, 0xa0, 0x40) : QColor(0xb3, 0x57, 0x00);
-    case ColourRole::Failure:
-        return dark ? QColor(0xff, 0x6b, 0x61) : QColor(0xc0, 0x28, 0x1f);
+        return readable(dark ? QColor(0xff, 0xa0, 0x40) : QColor(0xb3, 0x57, 0x00), window);
     }
     return text;
 }

@@ -45,14 +45,15 @@ enum class TextRole {
 enum class ColourRole {
     Primary,
     Secondary,
-    Accent,
-    OnAccent,
+    Accent,     ///< rings and tints
+    AccentFill, ///< the accent as the ground of a text
+    OnAccent,   ///< a text on it
+    Link,       ///< the accent as the colour of a text
     FieldFill,
     FieldStroke,
     BoxStroke,
     Success,
     Warning,
-    Failure,
 };
 
 /// How much larger than usual the desktop wants its text; 1 for its usual sizes, never less.
@@ -62,6 +63,13 @@ qreal textScale();
 int scaled(int length);
 
 QFont font(TextRole role);
+
+/// How far two opaque colours are apart in lightness: from 1, not at all, to 21.
+qreal contrast(const QColor &one, const QColor &other);
+/// From this contrast on a text reads well on its ground.
+inline constexpr qreal textContrast = 4.5;
+
+/// Link, Warning and OnAccent have at least textContrast to their ground, whatever the palette.
 QColor colour(ColourRole role, const QPalette &palette);
 
 /// Gives `widget` the font and the text colour, now and whenever the desktop's font or palette

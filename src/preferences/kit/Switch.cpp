@@ -46,8 +46,8 @@ void Switch::slide() {
 }
 
 QSize Switch::sizeHint() const {
-    const int words = fontMetrics().horizontalAdvance(text());
-    return {2 * margin + trackWidth + gap + words + margin,
+    const int textWidth = fontMetrics().horizontalAdvance(text());
+    return {2 * margin + trackWidth + gap + textWidth + margin,
             std::max(trackHeight, fontMetrics().height()) + 2 * margin};
 }
 
@@ -67,10 +67,10 @@ void Switch::paintEvent(QPaintEvent *) {
     Style::paintBox(
         painter, {track.left() + 2 + on * (trackWidth - trackHeight), track.top() + 2, knob, knob},
         knob / 2, Qt::white);
-    QColor words = Style::colour(ColourRole::Primary, palette());
+    QColor textColour = Style::colour(ColourRole::Primary, palette());
     if (!isEnabled())
-        words.setAlphaF(0.4F);
-    painter.setPen(words);
+        textColour.setAlphaF(0.4F);
+    painter.setPen(textColour);
     painter.drawText(rect().adjusted(margin + trackWidth + gap, 0, 0, 0),
                      Qt::AlignVCenter | Qt::AlignLeft, text());
     if (hasFocus())

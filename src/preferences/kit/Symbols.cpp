@@ -32,10 +32,6 @@ struct Drawing {
         lines.addEllipse(centre, radius, radius);
         return *this;
     }
-    Drawing &box(const QRectF &rect, qreal radius) {
-        lines.addRoundedRect(rect, radius, radius);
-        return *this;
-    }
     Drawing &dot(const QPointF &centre, qreal radius = 1.25) {
         shapes.addEllipse(centre, radius, radius);
         return *this;
@@ -79,58 +75,6 @@ Drawing document() {
     return drawing.line({{9, 13}, {15, 13}}).line({{9, 17}, {13, 17}});
 }
 
-Drawing eye() {
-    Drawing drawing;
-    drawing.lines.moveTo(2.5, 12);
-    drawing.lines.cubicTo(6.5, 3.8, 17.5, 3.8, 21.5, 12);
-    drawing.lines.cubicTo(17.5, 20.2, 6.5, 20.2, 2.5, 12);
-    return drawing.circle({12, 12}, 3);
-}
-
-Drawing link() {
-    Drawing drawing;
-    drawing.lines.moveTo(10, 13.5);
-    drawing.lines.cubicTo(12, 16, 15, 16, 16.8, 14.2);
-    drawing.lines.lineTo(20, 11);
-    drawing.lines.cubicTo(24, 6.5, 17.5, 0.5, 13, 4);
-    drawing.lines.lineTo(11.5, 5.5);
-    drawing.lines.moveTo(14, 10.5);
-    drawing.lines.cubicTo(12, 8, 9, 8, 7.2, 9.8);
-    drawing.lines.lineTo(4, 13);
-    drawing.lines.cubicTo(0, 17.5, 6.5, 23.5, 11, 20);
-    drawing.lines.lineTo(12.5, 18.5);
-    return drawing;
-}
-
-Drawing keyboard() {
-    Drawing drawing;
-    drawing.box({2, 5.5, 20, 13}, 2.5);
-    for (const qreal x : {6.0, 10.0, 14.0, 18.0})
-        drawing.dot({x, 10});
-    return drawing.line({{8, 14.5}, {16, 14.5}});
-}
-
-Drawing ticket() {
-    Drawing drawing;
-    drawing.lines.moveTo(3, 6);
-    drawing.lines.lineTo(21, 6);
-    drawing.lines.lineTo(21, 9.5);
-    drawing.lines.arcTo(QRectF(18.5, 9.5, 5, 5), 90, 180);
-    drawing.lines.lineTo(21, 18);
-    drawing.lines.lineTo(3, 18);
-    drawing.lines.lineTo(3, 14.5);
-    drawing.lines.arcTo(QRectF(0.5, 9.5, 5, 5), -90, 180);
-    drawing.lines.closeSubpath();
-    return drawing.dot({14, 9}).dot({14, 12}).dot({14, 15});
-}
-
-Drawing trash() {
-    Drawing drawing;
-    drawing.line({{4, 6.5}, {20, 6.5}}).line({{9, 6.5}, {9, 3.5}, {15, 3.5}, {15, 6.5}});
-    drawing.line({{6, 6.5}, {7, 20.5}, {17, 20.5}, {18, 6.5}});
-    return drawing.line({{10, 11}, {10, 16.5}}).line({{14, 11}, {14, 16.5}});
-}
-
 Drawing checklist() {
     Drawing drawing;
     for (const qreal y : {6.0, 17.0})
@@ -152,52 +96,28 @@ Drawing circled(const Drawing &content) {
 Drawing drawing(Symbol symbol) {
     Drawing d;
     switch (symbol) {
-    case Symbol::ArrowClockwise:
-        return d.arc({4, 4, 16, 16}, 35, 290).line({{19.5, 3.5}, {19, 8}, {14.5, 7.5}});
     case Symbol::ArrowUpRight:
         return d.line({{6, 18}, {18, 6}}).line({{9, 6}, {18, 6}, {18, 15}});
     case Symbol::Checklist:
         return checklist();
-    case Symbol::Checkmark:
-        return d.line({{4.5, 12.5}, {9.5, 17.5}, {19.5, 6.5}});
     case Symbol::CheckmarkCircle:
         return circled(d.line({{7.5, 12.5}, {10.7, 15.6}, {16.5, 9}}));
-    case Symbol::Cross:
-        return d.line({{6, 6}, {18, 18}}).line({{18, 6}, {6, 18}});
-    case Symbol::CrossCircle:
-        return circled(d.line({{8.7, 8.7}, {15.3, 15.3}}).line({{15.3, 8.7}, {8.7, 15.3}}));
     case Symbol::Document:
         return document();
-    case Symbol::Eye:
-        return eye();
-    case Symbol::EyeSlash:
-        return eye().line({{4, 20}, {20, 4}});
     case Symbol::Gear:
         return gear();
     case Symbol::Key:
         return d.circle({7.5, 16.5}, 4.5)
             .line({{10.8, 13.2}, {20.5, 3.5}})
             .line({{16.5, 7.5}, {19.5, 10.5}});
-    case Symbol::Keyboard:
-        return keyboard();
-    case Symbol::Link:
-        return link();
-    case Symbol::Magnifier:
-        return d.circle({10.5, 10.5}, 7).line({{15.6, 15.6}, {21, 21}});
     case Symbol::MinusCircle:
         return circled(d.line({{8, 12}, {16, 12}}));
     case Symbol::Person:
         return person();
-    case Symbol::Plus:
-        return d.line({{12, 4.5}, {12, 19.5}}).line({{4.5, 12}, {19.5, 12}});
     case Symbol::PlusCircle:
         return circled(d.line({{12, 8}, {12, 16}}).line({{8, 12}, {16, 12}}));
     case Symbol::Smiley:
         return circled(d.arc({7, 7.5, 10, 9.5}, 205, 130).dot({8.9, 9.7}).dot({15.1, 9.7}));
-    case Symbol::Ticket:
-        return ticket();
-    case Symbol::Trash:
-        return trash();
     case Symbol::WarningTriangle:
         return d.line({{12, 3.5}, {22, 20.5}, {2, 20.5}, {12, 3.5}, {22, 20.5}})
             .line({{12, 10}, {12, 14}})

@@ -7,28 +7,16 @@ class QPainter;
 
 /// The small drawings of the windows, all in one style: round lines on a square of 24 units.
 enum class Symbol {
-    ArrowClockwise,
     ArrowUpRight,
     Checklist,
-    Checkmark,
     CheckmarkCircle,
-    Cross,
-    CrossCircle,
     Document,
-    Eye,
-    EyeSlash,
     Gear,
     Key,
-    Keyboard,
-    Link,
-    Magnifier,
     MinusCircle,
     Person,
-    Plus,
     PlusCircle,
     Smiley,
-    Ticket,
-    Trash,
     WarningTriangle,
 };
 

@@ -37,7 +37,7 @@ void WrappingText::showPlain(const QString &text, Style::TextRole role, Style::C
 }
 
 void WrappingText::showLink(const QString &html, Style::TextRole role) {
-    Style::dress(this, role, Style::ColourRole::Accent);
+    Style::dress(this, role, Style::ColourRole::Link);
     setHtml(QStringLiteral("<u>%1</u>").arg(html));
 }
 

@@ -1,5 +1,6 @@
 #include "preferences/log/LogList.h"
 
+#include "preferences/kit/SlimScrollBar.h"
 #include "preferences/kit/Style.h"
 
 #include <QEvent>
@@ -38,6 +39,7 @@ LogList::LogList(QWidget *parent) : QTextEdit(parent) {
         QScrollBar *bar = verticalScrollBar();
         bar->setValue(m_slideFrom + qRound((bar->maximum() - m_slideFrom) * way.toReal()));
     });
+    new SlimScrollBar(this);
     startAfresh();
 }
 
@@ -148,9 +150,8 @@ void LogList::append(const LogStore::Entry &entry) {
     else
         cursor.insertBlock(row);
     cursor.insertText(time, quiet);
-    QString message = entry.message;
-    message.replace(u'\n', QChar::LineSeparator); // still one row
-    cursor.insertText(u'\t' + message, QTextCharFormat());
+    // Rows are counted by their blocks, so each is one whatever it holds.
+    cursor.insertText(u'\t' + LogStore::oneLine(entry.message), QTextCharFormat());
     m_rows.append(entry);
 }
 

@@ -11,6 +11,7 @@
 
 #include <QLabel>
 #include <QPointer>
+#include <QShowEvent>
 #include <QStackedWidget>
 #include <QVBoxLayout>
 
@@ -89,6 +90,9 @@ QWidget *LogView::footer() {
 
 void LogView::showEvent(QShowEvent *event) {
     refresh();
+    // Not the buttons: a stray press of the space bar would copy the log over the user's clipboard.
+    if (!event->spontaneous())
+        m_list->setFocus();
     QWidget::showEvent(event);
 }
 

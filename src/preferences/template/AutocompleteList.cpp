@@ -1,10 +1,12 @@
 #include "preferences/template/AutocompleteList.h"
 
+#include "preferences/kit/SlimScrollBar.h"
 #include "preferences/kit/Style.h"
 
 #include <QAbstractButton>
 #include <QEvent>
 #include <QPainter>
+#include <QScrollArea>
 #include <QVBoxLayout>
 
 namespace {
@@ -43,7 +45,7 @@ protected:
         const bool lit = underMouse() || isDown();
         if (lit)
             Style::paintBox(painter, QRectF(rect()).adjusted(5, 0, -5, 0), 5,
-                            Style::colour(ColourRole::Accent, palette()));
+                            Style::colour(ColourRole::AccentFill, palette()));
         const QRect area = rect().adjusted(rowPadding, 0, -rowPadding, 0);
         painter.setPen(Style::colour(lit ? ColourRole::OnAccent : ColourRole::Primary, palette()));
         painter.drawText(area, Qt::AlignLeft | Qt::AlignVCenter, text());
@@ -70,7 +72,8 @@ AutocompleteList::AutocompleteList(const QList<TemplatePlaceholder> &placeholder
     : Popover(Qt::ToolTip, parent) {
     setAccessibleName(QStringLiteral("Placeholders"));
     setAttribute(Qt::WA_AlwaysShowToolTips); // it never is the active window
-    auto *rows = new QVBoxLayout(this);
+    auto *list = new QWidget;
+    auto *rows = new QVBoxLayout(list);
     rows->setContentsMargins(0, verticalPadding, 0, verticalPadding);
     rows->setSpacing(0);
     rows->setAlignment(Qt::AlignTop);
@@ -80,6 +83,22 @@ AutocompleteList::AutocompleteList(const QList<TemplatePlaceholder> &placeholder
                 [this, placeholder] { Q_EMIT selected(placeholder); });
         rows->addWidget(row);
     }
-    const auto count = static_cast<int>(placeholders.size());
-    setFixedSize(Style::scaled(listWidth), Style::scaled(rowHeight) * count + listMargins);
+    auto *area = new QScrollArea;
+    area->setFrameShape(QFrame::NoFrame);
+    area->setFocusPolicy(Qt::NoFocus);
+    area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    area->setWidgetResizable(true);
+    area->viewport()->setAutoFillBackground(false);
+    area->setWidget(list);
+    list->setAutoFillBackground(false);
+    new SlimScrollBar(area);
+    auto *whole = new QVBoxLayout(this);
+    whole->setContentsMargins(0, 0, 0, 0);
+    whole->addWidget(area);
+    setFixedWidth(Style::scaled(listWidth));
+}
+
+QSize AutocompleteList::sizeHint() const {
+    const auto rows = static_cast<int>(findChildren<QAbstractButton *>().size());
+    return {Style::scaled(listWidth), Style::scaled(rowHeight) * rows + listMargins};
 }

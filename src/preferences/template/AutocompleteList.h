@@ -11,6 +11,8 @@ class AutocompleteList : public Popover {
 public:
     AutocompleteList(const QList<TemplatePlaceholder> &placeholders, QWidget *parent);
 
+    QSize sizeHint() const override;
+
 Q_SIGNALS:
     void selected(const TemplatePlaceholder &placeholder);
 };

@@ -1,5 +1,6 @@
 #include "preferences/template/PlaceholderTextView.h"
 
+#include "preferences/kit/SlimScrollBar.h"
 #include "preferences/kit/Style.h"
 
 #include <QAbstractTextDocumentLayout>
@@ -22,6 +23,7 @@ PlaceholderTextView::PlaceholderTextView(QWidget *parent) : QTextEdit(parent) {
     document()->setDocumentMargin(0);
     setViewportMargins(horizontalInset, verticalInset, horizontalInset, verticalInset);
     setPlaceholderText(QStringLiteral("{key} - {TYPE} - {summary}"));
+    new SlimScrollBar(this);
     Style::dress(this, Style::TextRole::Code);
     connect(this, &QTextEdit::textChanged, this, &PlaceholderTextView::contentHeightChanged);
 }

@@ -48,6 +48,7 @@ void TemplateField::setText(const QString &text) {
     m_textView->setPlainText(text);
     m_textView->moveCursor(QTextCursor::End);
     m_settingText = false;
+    closeAutocomplete(); // its brace is gone
 }
 
 bool TemplateField::braceBefore(int position) const {
@@ -116,8 +117,10 @@ void TemplateField::insertAtCursor(const QString &token) {
     QMetaObject::invokeMethod(this, takeFocus, Qt::QueuedConnection);
 }
 
-bool TemplateField::isOutsideClick(const QObject *watched, const QEvent *event) const {
+bool TemplateField::endsAutocomplete(const QObject *watched, const QEvent *event) const {
     switch (event->type()) {
+    case QEvent::FocusOut:
+        return watched == m_textView;
     case QEvent::MouseButtonPress:
     case QEvent::Wheel: {
         const auto *widget = qobject_cast<const QWidget *>(watched);
@@ -125,8 +128,9 @@ bool TemplateField::isOutsideClick(const QObject *watched, const QEvent *event) 
     }
     case QEvent::WindowDeactivate:
     case QEvent::Move:
-    case QEvent::Hide:
         return watched == window();
+    case QEvent::Hide:
+        return watched == window() || watched == m_textView;
     default:
         return false;
     }
@@ -148,13 +152,13 @@ bool TemplateField::eventFilter(QObject *watched, QEvent *event) {
             closeAutocomplete();
         return true;
     }
-    if (isOutsideClick(watched, event))
+    if (endsAutocomplete(watched, event))
         closeAutocomplete();
     return false;
 }
 
 void TemplateField::growToContent() {
-    if (!m_resizing && m_textView->contentHeight() > m_height)
+    if (!m_dragStart && m_textView->contentHeight() > m_height)
         setFieldHeight(std::min(m_textView->contentHeight(), greatestHeight));
 }
 
@@ -168,17 +172,12 @@ void TemplateField::setFieldHeight(int height) {
 void TemplateField::addGrip() {
     m_grip = new ResizeGrip(leastHeight, greatestHeight, this);
     connect(m_grip, &ResizeGrip::dragged, this, [this](int distance) {
-        m_resizing = true;
-        setFieldHeight(std::clamp(m_dragStart + distance, leastHeight, greatestHeight));
+        if (!m_dragStart)
+            m_dragStart = m_height;
+        setFieldHeight(std::clamp(*m_dragStart + distance, leastHeight, greatestHeight));
     });
-    connect(m_grip, &ResizeGrip::dragEnded, this, [this] {
-        m_dragStart = m_height;
-        m_resizing = false;
-    });
-    connect(m_grip, &ResizeGrip::moved, this, [this](int height) {
-        setFieldHeight(height);
-        m_dragStart = height;
-    });
+    connect(m_grip, &ResizeGrip::dragEnded, this, [this] { m_dragStart.reset(); });
+    connect(m_grip, &ResizeGrip::moved, this, &TemplateField::setFieldHeight);
 }
 
 void TemplateField::paintEvent(QPaintEvent *) {

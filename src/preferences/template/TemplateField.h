@@ -5,12 +5,15 @@
 #include <QPointer>
 #include <QWidget>
 
+#include <optional>
+
 class AutocompleteList;
 class PlaceholderTextView;
 class ResizeGrip;
 
-/// The editor of a link template. Typing "{" opens a popover with every placeholder. It grows with
-/// its text and never shrinks by itself. Main thread only.
+/// The editor of a link template. Typing "{" opens a popover with every placeholder, which goes
+/// when the brace, the focus or the field does. The field grows with its text and never shrinks by
+/// itself. Main thread only.
 class TemplateField : public QWidget {
     Q_OBJECT
 
@@ -53,7 +56,7 @@ private:
     void showAutocomplete();
     void closeAutocomplete();
     bool braceBefore(int position) const;
-    bool isOutsideClick(const QObject *watched, const QEvent *event) const;
+    bool endsAutocomplete(const QObject *watched, const QEvent *event) const;
     void growToContent();
     void setFieldHeight(int height);
     void addGrip();
@@ -63,7 +66,6 @@ private:
     QPointer<AutocompleteList> m_popover;
     ResizeGrip *m_grip = nullptr;
     int m_height = 0;
-    int m_dragStart = leastHeight;
-    bool m_resizing = false;
+    std::optional<int> m_dragStart; ///< the height at the start of a drag that is under way
     bool m_settingText = false;
 };

@@ -3,8 +3,8 @@
 #include "preferences/SettingsBinding.h"
 #include "preferences/kit/Button.h"
 #include "preferences/kit/Chip.h"
-#include "preferences/kit/FieldLabel.h"
 #include "preferences/kit/FlowLayout.h"
+#include "preferences/kit/Labels.h"
 #include "preferences/kit/Style.h"
 
 #include <QHBoxLayout>
@@ -25,12 +25,12 @@ TemplateFieldBlock::TemplateFieldBlock(Setting<QString> &setting, const QString 
     auto *column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(Style::tightSpacing);
-    column->addWidget(new FieldLabel(u"Display format"_s));
+    column->addWidget(fieldLabel(u"Display format"_s));
     column->addLayout(row);
     column->addWidget(chipRow(placeholders));
 
     connect(m_field, &TemplateField::textEdited, this,
-            [&setting](const QString &text) { setting = text; });
+            [&setting](const QString &text) { setting.type(text); });
     connect(reset, &Button::clicked, this, [&setting, standard] { setting = standard; });
     followSettings(this, [this, &setting] { m_field->setText(setting()); });
 }

@@ -4,8 +4,9 @@
 #include "model/Text.h"
 #include "preferences/kit/BorderedField.h"
 #include "preferences/kit/Button.h"
-#include "preferences/kit/SectionHeader.h"
+#include "preferences/kit/Labels.h"
 #include "preferences/kit/SegmentedPicker.h"
+#include "preferences/kit/SelectableLabel.h"
 #include "preferences/kit/Style.h"
 
 #include <QLabel>
@@ -16,15 +17,12 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// The rendered text in its rounded box; it can be selected with mouse and keyboard.
-class PreviewBox : public QLabel {
+/// The rendered text in its rounded box.
+class PreviewBox : public SelectableLabel {
 public:
-    PreviewBox() {
+    PreviewBox() : SelectableLabel(Qt::RichText) {
         constexpr int leastTextHeight = 26;
-        setTextFormat(Qt::RichText);
-        setWordWrap(true);
-        setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
-        setFocusPolicy(Qt::StrongFocus);
+        setRingRadius(Style::boxRadius);
         setAlignment(Qt::AlignTop | Qt::AlignLeft);
         setMargin(Style::boxPadding);
         setMinimumHeight(Style::scaled(leastTextHeight) + 2 * Style::boxPadding);
@@ -40,19 +38,10 @@ protected:
             Style::paintBox(painter, rect(), Style::boxRadius,
                             Style::colour(ColourRole::FieldFill, palette()),
                             Style::colour(ColourRole::BoxStroke, palette()));
-            if (hasFocus())
-                Style::paintFocusRing(painter, rect(), Style::boxRadius, palette());
         }
-        QLabel::paintEvent(event);
+        SelectableLabel::paintEvent(event);
     }
 };
-
-QLabel *plainLabel(const QString &text, Style::TextRole role, Style::ColourRole colour) {
-    auto *label = new QLabel(text);
-    label->setTextFormat(Qt::PlainText);
-    Style::dress(label, role, colour);
-    return label;
-}
 
 QWidget *samplePicker(JiraPreviewSource &source) {
     auto *picker = new SegmentedPicker(u"Sample type"_s, {u"Issue link"_s, u"Comment link"_s});
@@ -83,8 +72,8 @@ TemplatePreview::TemplatePreview(PreviewSource &source, const FetchRow &row, QWi
     : QWidget(parent),
       m_source(source),
       m_box(new PreviewBox),
-      m_error(plainLabel({}, Style::TextRole::Caption, Style::ColourRole::Warning)) {
-    m_error->setWordWrap(true);
+      m_error(new SelectableLabel(Qt::PlainText)) {
+    Style::dress(m_error, Style::TextRole::Caption, Style::ColourRole::Warning);
     auto *column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(Style::tightSpacing);
@@ -101,7 +90,7 @@ TemplatePreview::TemplatePreview(PreviewSource &source, const FetchRow &row, QWi
 QLayout *TemplatePreview::header() {
     m_caption = plainLabel({}, Style::TextRole::Small, Style::ColourRole::Secondary);
     auto *row = new QHBoxLayout;
-    row->addWidget(new SectionHeader(u"Preview"_s));
+    row->addWidget(sectionHeader(u"Preview"_s));
     row->addStretch();
     row->addWidget(m_caption);
     return row;

@@ -38,13 +38,17 @@ void PreviewSource::start(const QString &account, const QString &noToken, const 
             Q_EMIT self->changed();
         });
     };
-    Platform::current().dispatch->toBackground([this, account, noToken, fetch, done] {
-        const auto token = Keychain::loadToken(account);
-        if (!token || token->isEmpty())
-            done([this, noToken] { m_error = noToken; });
+    const auto use = [self = QPointer(this), noToken, fetch,
+                      done](const Keychain::TokenAnswer &answer) {
+        if (!self)
+            return;
+        if (answer.token.isEmpty())
+            done([self, noToken] { self->m_error = noToken; });
         else
-            fetch(*token, done);
-    });
+            Platform::current().dispatch->toBackground(
+                [fetch, done, token = answer.token] { fetch(token, done); });
+    };
+    Keychain::loadToken(account, use);
 }
 
 JiraPreviewSource::JiraPreviewSource(QObject *parent) : PreviewSource(parent) {}
@@ -86,12 +90,11 @@ void JiraPreviewSource::fetch(const QString &input) {
     const QString key = Text::trimmed(input).toUpper();
     if (key.isEmpty())
         return;
-    const QString baseURL = Settings::shared().baseURL();
-    const QString email = Settings::shared().email();
+    const SiteAccess site = SiteAccess::configured();
     start(AppInfo::keychainAccount(), u"Set your API token first."_s,
-          [this, key, baseURL, email](const QString &token, const Done &done) {
+          [this, key, site](const QString &token, const Done &done) {
               JiraClient::fetchSummary(
-                  key, std::nullopt, baseURL, email, token,
+                  key, std::nullopt, site.withToken(token),
                   [this, key, done](const JiraClient::FetchResult &result) {
                       done([this, key, result] {
                           if (result.summary)
@@ -140,12 +143,11 @@ void ConfluencePreviewSource::fetch(const QString &input) {
     const QString trimmed = Text::trimmed(input);
     if (trimmed.isEmpty())
         return;
-    const QString baseURL = Settings::shared().baseURL();
-    const QString email = Settings::shared().email();
-    const auto page = namedPage(trimmed, baseURL);
+    const SiteAccess site = SiteAccess::configured();
+    const auto page = namedPage(trimmed, site.baseURL);
     start(AppInfo::keychainAccountConfluence(),
           u"Set your Confluence API token first (Connection tab)."_s,
-          [this, page, baseURL, email](const QString &token, const Done &done) {
+          [this, page, site](const QString &token, const Done &done) {
               if (!page) {
                   done([this] {
                       setError(u"Paste a Confluence page URL (or a numeric page id)."_s);
@@ -153,7 +155,7 @@ void ConfluencePreviewSource::fetch(const QString &input) {
                   return;
               }
               ConfluenceClient::fetchPage(
-                  page->id, baseURL, email, token,
+                  page->id, site.withToken(token),
                   [this, page, done](const ConfluenceClient::ConfluenceFetchResult &result) {
                       done([this, page, result] {
                           if (result.title) {

@@ -58,9 +58,9 @@ protected:
     using Done = std::function<void(Apply)>;
     using Fetch = std::function<void(const QString &token, const Done &done)>;
 
-    /// Looks up the token of `account` and runs `fetch`, both on a background thread; what it is
-    /// done with is applied on the main thread, if this object still lives. Without an e-mail
-    /// nothing is started; without a token the outcome is the error `noToken`.
+    /// Looks up the token of `account` and runs `fetch` on a background thread; what it is done
+    /// with is applied on the main thread, if this object still lives. Without an e-mail nothing is
+    /// started; without a token the outcome is the error `noToken`.
     void start(const QString &account, const QString &noToken, const Fetch &fetch);
 
     void setError(const std::optional<QString> &error) { m_error = error; }

@@ -1,4 +1,4 @@
-#include "preferences/emoji/EmojiPickerCatalogue.h"
+#include "preferences/emoji/EmojiCatalogue.h"
 
 #include <unicode/uchar.h>
 #include <unicode/uloc.h>

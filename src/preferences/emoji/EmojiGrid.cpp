@@ -1,4 +1,4 @@
-#include "preferences/emoji/EmojiPickerGrid.h"
+#include "preferences/emoji/EmojiGrid.h"
 
 #include "preferences/kit/SlimScrollBar.h"
 #include "preferences/kit/Style.h"

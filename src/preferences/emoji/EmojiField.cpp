@@ -1,4 +1,4 @@
-#include "preferences/emoji/EmojiPickerField.h"
+#include "preferences/emoji/EmojiField.h"
 
 #include "preferences/emoji/EmojiPicker.h"
 
@@ -6,20 +6,20 @@
 
 EmojiField::EmojiField(const QString &name, QWidget *parent) : BorderedField({}, parent) {
     setAccessibleName(name);
-    settleWidth();
+    followTextSize();
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Ignored); // as high as the field beside it
     setAlignment(Qt::AlignCenter);
     Style::dress(this, Style::TextRole::Emoji);
 }
 
-void EmojiField::settleWidth() {
+void EmojiField::followTextSize() {
     constexpr int fieldWidth = 64;
     setFixedWidth(Style::scaled(fieldWidth));
 }
 
 bool EmojiField::event(QEvent *event) {
     if (event->type() == QEvent::ApplicationFontChange)
-        settleWidth();
+        followTextSize();
     return BorderedField::event(event);
 }
 

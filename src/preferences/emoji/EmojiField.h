@@ -18,5 +18,5 @@ protected:
     bool event(QEvent *event) override;
 
 private:
-    void settleWidth();
+    void followTextSize();
 };

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "preferences/emoji/EmojiPickerCatalogue.h"
+#include "preferences/emoji/EmojiCatalogue.h"
 
 #include <QListView>
 #include <QStandardItemModel>

@@ -1,0 +1,111 @@
+#include "app/RunningInstance.h"
+
+#include <gio/gio.h>
+
+#include <unistd.h>
+
+namespace {
+
+constexpr const char *busName = "org.ostrowind.brindle";
+constexpr const char *objectPath = "/org/ostrowind/brindle";
+constexpr int longestAnswer = 2000; ///< ms
+constexpr int longestStart = 15;    ///< s, on a machine that has just come up
+
+void stop(void *loop) {
+    g_main_loop_quit(static_cast<GMainLoop *>(loop));
+}
+
+} // namespace
+
+struct RunningInstance::Bus {
+    explicit Bus(GDBusConnection *opened) : connection(opened) {}
+    ~Bus() { g_object_unref(connection); }
+    Bus(const Bus &) = delete;
+    Bus &operator=(const Bus &) = delete;
+
+    GDBusConnection *connection;
+};
+
+RunningInstance::RunningInstance() {
+    g_autoptr(GError) error = nullptr;
+    g_autofree char *address = g_dbus_address_get_for_bus_sync(G_BUS_TYPE_SESSION, nullptr, &error);
+    GDBusConnection *connection = nullptr;
+    if (address) {
+        constexpr auto flags =
+            static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
+                                              G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION);
+        connection =
+            g_dbus_connection_new_for_address_sync(address, flags, nullptr, nullptr, &error);
+    }
+    if (connection)
+        m_bus = std::make_unique<Bus>(connection);
+    else
+        m_problem = std::string("no session bus: ") + error->message;
+}
+
+RunningInstance::~RunningInstance() = default;
+
+RunningInstance::Answer RunningInstance::call(const char *action, int milliseconds) {
+    if (!m_bus)
+        return Answer::Failed;
+    g_autoptr(GError) error = nullptr;
+    // Not started by the bus, which may not know the display.
+    g_autoptr(GVariant) reply = g_dbus_connection_call_sync(
+        m_bus->connection, busName, objectPath, "org.freedesktop.Application", "ActivateAction",
+        g_variant_new("(sava{sv})", action, nullptr, nullptr), nullptr,
+        G_DBUS_CALL_FLAGS_NO_AUTO_START, milliseconds, nullptr, &error);
+    if (reply)
+        return Answer::Done;
+    if (g_error_matches(error, G_DBUS_ERROR, G_DBUS_ERROR_NAME_HAS_NO_OWNER) ||
+        g_error_matches(error, G_DBUS_ERROR, G_DBUS_ERROR_SERVICE_UNKNOWN))
+        return Answer::NotRunning;
+    if (g_error_matches(error, G_IO_ERROR, G_IO_ERROR_TIMED_OUT))
+        return Answer::Silent;
+    m_problem = error->message;
+    return Answer::Failed;
+}
+
+RunningInstance::Answer RunningInstance::activate(const char *action) {
+    return call(action, longestAnswer);
+}
+
+/// Returns when the name is taken, or it is clear that it will not be.
+void RunningInstance::awaitStart(int processId) {
+    GMainLoop *loop = g_main_loop_new(nullptr, FALSE);
+    g_bus_watch_name_on_connection(
+        m_bus->connection, busName, G_BUS_NAME_WATCHER_FLAGS_NONE,
+        [](GDBusConnection *, const char *, const char *, void *waiting) { stop(waiting); },
+        nullptr, loop, nullptr);
+    g_child_watch_add(
+        processId, [](GPid, int, void *waiting) { stop(waiting); }, loop);
+    g_timeout_add_seconds(
+        longestStart,
+        [](void *waiting) {
+            stop(waiting);
+            return G_SOURCE_REMOVE;
+        },
+        loop);
+    g_main_loop_run(loop);
+    g_main_loop_unref(loop);
+}
+
+RunningInstance::Answer RunningInstance::startAndActivate(const std::string &program,
+                                                          const char *action) {
+    if (!m_bus)
+        return Answer::Failed;
+    std::string path = program;
+    char *arguments[] = {path.data(), nullptr};
+    // Whoever reads what the caller writes would wait until Brindle ends.
+    constexpr auto flags = static_cast<GSpawnFlags>(
+        G_SPAWN_DO_NOT_REAP_CHILD | G_SPAWN_STDOUT_TO_DEV_NULL | G_SPAWN_STDERR_TO_DEV_NULL);
+    g_autoptr(GError) error = nullptr;
+    GPid processId = 0;
+    if (!g_spawn_async(
+            nullptr, arguments, nullptr, flags, [](void *) { setsid(); }, nullptr, &processId,
+            &error)) {
+        m_problem = error->message;
+        return Answer::Failed;
+    }
+    awaitStart(processId);
+    return call(action, longestStart * 1000);
+}
