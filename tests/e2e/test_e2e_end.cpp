@@ -31,7 +31,7 @@ struct State {
 };
 
 State copyAndPress(Site &site, const QString &text, const QStringList &manners = {}) {
-    State state{std::make_unique<ClipboardOwner>(site.desktop, copied(text), manners)};
+    State state{std::make_unique<ClipboardOwner>(site.desktop, site.copied(text), manners)};
     site.press();
     return state;
 }
@@ -51,7 +51,7 @@ State stalledAt(Site &site, const QString &target) {
 }
 
 State heldHotkey(Site &site) {
-    State state{std::make_unique<ClipboardOwner>(site.desktop, copied(record))};
+    State state{std::make_unique<ClipboardOwner>(site.desktop, site.copied(record))};
     for (const int key : Scene::hotkey())
         site.keys.press(key);
     state.isReached = site.clipboardBecomes(recordLink);
