@@ -24,6 +24,10 @@ QVariantMap ActivationToken::platformData() {
     return token.isEmpty() ? QVariantMap() : QVariantMap{{key, token}};
 }
 
+bool ActivationToken::isThere() {
+    return !qEnvironmentVariableIsEmpty(variable);
+}
+
 void ActivationToken::drop() {
     qunsetenv(variable);
 }

@@ -15,6 +15,9 @@ public:
     /// The platform data that hands on what this process was started with.
     static QVariantMap platformData();
 
+    /// Whether there is one in force.
+    static bool isThere();
+
     /// Drops what this process was started with, which is stale once it is up.
     static void drop();
 };
