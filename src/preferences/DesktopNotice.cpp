@@ -27,7 +27,7 @@ DesktopNotice::DesktopNotice(QWidget *parent)
     auto *row = new QHBoxLayout(this);
     row->setContentsMargins(0, 0, 0, 0);
     row->setSpacing(Style::rowSpacing);
-    row->addWidget(&m_line, 1);
+    row->addWidget(&m_line, 1, Qt::AlignVCenter);
     row->addWidget(m_ask, 0, Qt::AlignTop);
     connect(m_ask, &QPushButton::clicked, this, &DesktopNotice::ask);
     refresh();

@@ -33,7 +33,7 @@ DesktopHotkey::DesktopHotkey(QWidget *parent)
       m_openSettings(new Button(u"Open Shortcut Settings"_s)) {
     auto *row = new QHBoxLayout;
     row->setSpacing(Style::rowSpacing);
-    row->addWidget(m_line, 1);
+    row->addWidget(m_line, 1, Qt::AlignVCenter);
     row->addWidget(m_copy, 0, Qt::AlignTop);
     auto *column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
