@@ -1,14 +1,27 @@
 #include "app/AppWindow.h"
 
+#include "app/ActivationToken.h"
 #include "app/EditMenu.h"
 #include "app/FittedView.h"
 #include "model/AppInfo.h"
 
+#include <QGuiApplication>
 #include <QLayout>
 #include <QMenuBar>
 #include <QScreen>
 
 #include <algorithm>
+
+namespace {
+
+/// On Wayland a window comes to the front by a token, the toolkit asks for one where another window
+/// of ours has the focus, and without either nothing happens at all. A new window does come up.
+bool comesUpOnlyAnew() {
+    return QGuiApplication::platformName().startsWith(QLatin1String("wayland")) &&
+           !ActivationToken::isThere() && !QGuiApplication::focusWindow();
+}
+
+} // namespace
 
 AppWindow::AppWindow(const QString &title, QWidget *view, const MenuActions &actions) {
     setWindowTitle(title);
@@ -48,6 +61,8 @@ void AppWindow::present() {
         move(std::max(corner.x(), room.left()) - frame.x(),
              std::max(corner.y(), room.top()) - frame.y());
     }
+    if (isVisible() && comesUpOnlyAnew())
+        hide();
     setWindowState(windowState() & ~Qt::WindowMinimized);
     show();
     raise();

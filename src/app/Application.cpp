@@ -1,5 +1,6 @@
 #include "app/Application.h"
 
+#include "app/ActivationToken.h"
 #include "clipboard/ClipboardRestorer.h"
 #include "desktop/CurrentRun.h"
 #include "desktop/HotkeyManager.h"
@@ -29,6 +30,14 @@ QList<KeyCombo> hotkeys() {
     if (settings.hotkey2IsSet())
         combos.append({settings.hotkey2KeyCode(), settings.hotkey2Modifiers()});
     return combos;
+}
+
+/// The primary hotkey, as the user reads it; empty where the desktop has it and does not tell.
+QString shownHotkey() {
+    const Hotkeys &hotkeys = *Platform::current().hotkeys;
+    if (const auto choice = hotkeys.desktopsChoice())
+        return choice->line.isEmpty() ? choice->text : QString();
+    return hotkeys.unavailableBecause().isEmpty() ? Settings::shared().hotkeyDisplay() : QString();
 }
 
 QString version() {
@@ -92,13 +101,17 @@ void Application::askForMissingCredentials() {
                      QStringLiteral("Set your Atlassian email + scoped API token in Preferences."));
     };
     if (Settings::shared().email().isEmpty()) {
-        Platform::current().dispatch->toMain(ask);
+        Platform::current().dispatch->toMain([ask] {
+            ask();
+            ActivationToken::drop();
+        });
         return;
     }
     // A token that the user would not unlock is as good as none.
     Keychain::loadToken(AppInfo::keychainAccount(), [ask](const Keychain::TokenAnswer &answer) {
         if (answer.outcome != Keychain::Outcome::Done)
             ask();
+        ActivationToken::drop();
     });
 }
 
@@ -110,7 +123,7 @@ void Application::installHotkey() {
 
 void Application::reinstallHotkey() {
     installHotkey();
-    m_statusItem->setHotkey(Settings::shared().hotkeyDisplay());
+    m_statusItem->setHotkey(shownHotkey());
 }
 
 void Application::refreshStatusItemImage() {
@@ -147,11 +160,12 @@ void Application::openLogs() {
 }
 
 void Application::showAbout() {
+    const QString hotkey = shownHotkey();
     Platform::current().alerts->show(
         {Alert::Style::Informational,
          QStringLiteral("Brindle for Jira"),
-         QStringLiteral("Turn copied Jira URLs into rich hyperlinks.\n\nHotkey: ") +
-             Settings::shared().hotkeyDisplay(),
+         QStringLiteral("Turn copied Jira URLs into rich hyperlinks.") +
+             (hotkey.isEmpty() ? QString() : QStringLiteral("\n\nHotkey: ") + hotkey),
          {QStringLiteral("OK")}},
         [](int) {});
 }

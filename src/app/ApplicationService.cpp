@@ -1,5 +1,6 @@
 #include "app/ApplicationService.h"
 
+#include "app/ActivationToken.h"
 #include "model/AppInfo.h"
 #include "platform/Platform.h"
 
@@ -30,14 +31,23 @@ ApplicationService::Claim ApplicationService::claim() {
     QDBusMessage activate = QDBusMessage::createMethodCall(
         AppInfo::bundleIdentifier(), objectPath(), QStringLiteral("org.freedesktop.Application"),
         QStringLiteral("Activate"));
-    activate << QVariantMap();
+    activate << ActivationToken::platformData();
     constexpr int longestWait = 2000; // ms
     const QDBusMessage reply = bus.call(activate, QDBus::Block, longestWait);
     return reply.type() == QDBusMessage::ReplyMessage ? Claim::HandedOver : Claim::NoAnswer;
 }
 
-void ApplicationService::Activate(const QVariantMap &) {
-    Platform::current().dispatch->toMain(m_activate);
+void ApplicationService::carryOut(const std::function<void()> &action,
+                                  const QVariantMap &platformData) {
+    // In a later turn, so that the caller has its answer first.
+    Platform::current().dispatch->toMain([action, platformData] {
+        const ActivationToken token(platformData);
+        action();
+    });
+}
+
+void ApplicationService::Activate(const QVariantMap &platformData) {
+    carryOut(m_activate, platformData);
 }
 
 void ApplicationService::Open(const QStringList &, const QVariantMap &platformData) {
@@ -46,8 +56,7 @@ void ApplicationService::Open(const QStringList &, const QVariantMap &platformDa
 }
 
 void ApplicationService::ActivateAction(const QString &name, const QVariantList &,
-                                        const QVariantMap &) {
-    // In a later turn, so that the caller has its answer first.
+                                        const QVariantMap &platformData) {
     if (const auto action = m_actions.value(name))
-        Platform::current().dispatch->toMain(action);
+        carryOut(action, platformData);
 }

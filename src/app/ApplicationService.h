@@ -37,6 +37,8 @@ public Q_SLOTS:
                         const QVariantMap &platformData);
 
 private:
+    static void carryOut(const std::function<void()> &action, const QVariantMap &platformData);
+
     std::function<void()> m_activate;
     QHash<QString, std::function<void()>> m_actions;
 };

@@ -15,6 +15,16 @@ void stop(void *loop) {
     g_main_loop_quit(static_cast<GMainLoop *>(loop));
 }
 
+/// The right to raise a window, which the running instance has not.
+GVariant *platformData() {
+    GVariantBuilder data;
+    g_variant_builder_init(&data, G_VARIANT_TYPE_VARDICT);
+    const char *token = g_getenv("XDG_ACTIVATION_TOKEN");
+    if (token && *token)
+        g_variant_builder_add(&data, "{sv}", "activation-token", g_variant_new_string(token));
+    return g_variant_builder_end(&data);
+}
+
 } // namespace
 
 struct RunningInstance::Bus {
@@ -52,7 +62,7 @@ RunningInstance::Answer RunningInstance::call(const char *action, int millisecon
     // Not started by the bus, which may not know the display.
     g_autoptr(GVariant) reply = g_dbus_connection_call_sync(
         m_bus->connection, busName, objectPath, "org.freedesktop.Application", "ActivateAction",
-        g_variant_new("(sava{sv})", action, nullptr, nullptr), nullptr,
+        g_variant_new("(sav@a{sv})", action, nullptr, platformData()), nullptr,
         G_DBUS_CALL_FLAGS_NO_AUTO_START, milliseconds, nullptr, &error);
     if (reply)
         return Answer::Done;

@@ -29,7 +29,9 @@ QAction *StatusItem::add(const QString &title, std::function<void()> action,
 
 void StatusItem::setHotkey(const QString &hotkey) {
     // Doubled, since a single one would mark a key of the menu.
-    m_enrichAndPaste->setText(QStringLiteral("Enrich && Paste (%1)").arg(hotkey));
+    const QString title = QStringLiteral("Enrich && Paste");
+    m_enrichAndPaste->setText(hotkey.isEmpty() ? title
+                                               : title + QStringLiteral(" (%1)").arg(hotkey));
 }
 
 void StatusItem::refreshImage(bool tokenIsAging, bool isFetching) {

@@ -29,7 +29,7 @@ public:
 
     explicit StatusItem(const Actions &actions);
 
-    /// Shows the primary hotkey, as the user reads it, in the menu.
+    /// Shows the primary hotkey, as the user reads it, in the menu; nothing of it when empty.
     void setHotkey(const QString &hotkey);
 
     /// Draws the icon, dimmed while `isFetching`, with a badge while the token is aging.

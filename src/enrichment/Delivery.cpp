@@ -2,6 +2,7 @@
 
 #include "clipboard/ClipboardRestorer.h"
 #include "clipboard/Pasting.h"
+#include "desktop/Access.h"
 #include "desktop/Notify.h"
 #include "model/AppInfo.h"
 #include "platform/Platform.h"
@@ -48,6 +49,17 @@ void finish(const Pasting::Outcome &outcome, qint64 expectedChangeCount) {
     }
 }
 
+/// The desktop's own question comes first; its settings page is for where it asks none.
+void leadToAccess() {
+    if (Access::needsConsent()) {
+        Access::askForConsent([] {});
+        return;
+    }
+    const QString missing = Platform::current().workspace->openAccessibilitySettings();
+    if (!missing.isEmpty())
+        log(QStringLiteral("enrich: can't open the accessibility settings: ") + missing);
+}
+
 void paste(const PasteboardWrite &written) {
     Pasting::simulateCommandV(
         Pasting::resolveVKeyCode(), written.at,
@@ -86,11 +98,8 @@ void Enrichment::showAccessibilityAlert(const QString &detail) {
                 .arg(wording().system, detail),
             {QStringLiteral("Open Accessibility Settings"), QStringLiteral("Dismiss")}};
         Platform::current().alerts->show(alert, [](int button) {
-            if (button != 0)
-                return;
-            const QString missing = Platform::current().workspace->openAccessibilitySettings();
-            if (!missing.isEmpty())
-                log(QStringLiteral("enrich: can't open the accessibility settings: ") + missing);
+            if (button == 0)
+                leadToAccess();
         });
     });
 }

@@ -5,6 +5,7 @@
 #include "clients/JiraClient.h"
 #include "clipboard/Clipboard.h"
 #include "clipboard/ClipboardRestorer.h"
+#include "desktop/Access.h"
 #include "desktop/AppDelegate.h"
 #include "desktop/CurrentRun.h"
 #include "desktop/Notify.h"
@@ -82,8 +83,7 @@ bool mayGoOn(Run &run) {
     log(QStringLiteral("enrich: can't paste here (%1) — copying instead").arg(access.reason));
     static QString toldReason;
     if (std::exchange(toldReason, access.reason) != access.reason)
-        tell(QStringLiteral("Brindle can't paste here: %1. Links are copied for you to paste.")
-                 .arg(access.reason));
+        tell(Access::pasteProblem());
     return true;
 }
 
@@ -314,7 +314,7 @@ void Enrichment::run(bool pasteAfter) {
     Pasteboard &pasteboard = *Platform::current().pasteboard;
     if (const QString reason = pasteboard.unavailableBecause(); !reason.isEmpty()) {
         giveUp(QStringLiteral("enrich: there is no clipboard (%1)").arg(reason),
-               QStringLiteral("Brindle can't reach the clipboard: %1.").arg(reason));
+               Access::clipboardProblem());
         return;
     }
     CurrentRun::enter(RunPhase::Reading);

@@ -23,9 +23,11 @@ public:
 
     /// What to do on a desktop where the combination is not ours to choose.
     struct DesktopsChoice {
-        QString
-            text; ///< what the desktop shows for the hotkey, or a sentence where it says nothing
+        /// What the desktop shows for the hotkey, or where it says nothing a sentence that tells
+        /// the user what to do.
+        QString text;
         std::function<void()> openSettings; ///< leads to where it is chosen; may be empty
+        QString line = {}; ///< what the user has to put there; empty where nothing is to be typed
     };
 
     virtual ~Hotkeys() = default;

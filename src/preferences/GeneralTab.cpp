@@ -1,11 +1,14 @@
 #include "preferences/GeneralTab.h"
 
 #include "clipboard/Clipboard.h"
+#include "desktop/HotkeyManager.h"
 #include "desktop/LoginItem.h"
 #include "platform/Platform.h"
 #include "platform/wording.h"
+#include "preferences/DesktopNotice.h"
 #include "preferences/FormatPicker.h"
 #include "preferences/SettingsBinding.h"
+#include "preferences/hotkey/DesktopHotkey.h"
 #include "preferences/hotkey/HotkeyRecorder.h"
 #include "preferences/kit/Caption.h"
 #include "preferences/kit/Labels.h"
@@ -13,6 +16,7 @@
 #include "preferences/kit/WrappingText.h"
 #include "preferences/template/TemplatePreview.h"
 
+#include <QEvent>
 #include <QHBoxLayout>
 #include <QPointer>
 
@@ -35,6 +39,8 @@ GeneralTab::GeneralTab(JiraPreviewSource &sample, QWidget *parent)
     auto *column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(Style::sectionSpacing);
+    m_notice = new DesktopNotice;
+    column->addWidget(m_notice);
     column->addWidget(hotkeySection());
     column->addWidget(startupSection());
     column->addWidget(outputSection());
@@ -42,14 +48,47 @@ GeneralTab::GeneralTab(JiraPreviewSource &sample, QWidget *parent)
 }
 
 QWidget *GeneralTab::hotkeySection() {
-    auto *section = new QWidget;
-    QVBoxLayout *column = sectionColumn(section, u"Hotkey"_s);
+    m_hotkeySection = new QWidget;
+    sectionColumn(m_hotkeySection, u"Hotkey"_s);
+    refreshHotkeys();
+    // The desktop may answer late, or have changed its mind.
+    connect(&HotkeyManager::shared(), &HotkeyManager::installed, this, &GeneralTab::refreshHotkeys);
+    return m_hotkeySection;
+}
+
+QWidget *GeneralTab::recorders() {
+    auto *both = new QWidget;
+    auto *column = new QVBoxLayout(both);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(Style::tightSpacing);
     column->addWidget(new HotkeyRecorder(RecordedHotkey::Primary));
     column->addWidget(new HotkeyRecorder(RecordedHotkey::Alternate));
     column->addWidget(new Caption(
         u"Both shortcuts fire the same Enrich action. Pick combos that nothing else on your %1 "
         "uses — global hotkeys are exclusive."_s.arg(wording().computer)));
-    return section;
+    return both;
+}
+
+void GeneralTab::refreshHotkeys() {
+    const auto choice = DesktopHotkey::choice();
+    if (choice && !m_desktopHotkey)
+        m_hotkeySection->layout()->addWidget(m_desktopHotkey = new DesktopHotkey);
+    if (!choice && !m_recorders)
+        m_hotkeySection->layout()->addWidget(m_recorders = recorders());
+    if (choice)
+        m_desktopHotkey->setChoice(*choice);
+    if (m_desktopHotkey)
+        m_desktopHotkey->setVisible(choice.has_value());
+    if (m_recorders)
+        m_recorders->setVisible(!choice);
+}
+
+bool GeneralTab::event(QEvent *event) {
+    if (event->type() == QEvent::Show || event->type() == QEvent::WindowActivate) {
+        m_notice->refresh();
+        refreshHotkeys();
+    }
+    return QWidget::event(event);
 }
 
 QWidget *GeneralTab::startupSection() {

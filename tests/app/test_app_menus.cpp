@@ -104,6 +104,38 @@ private Q_SLOTS:
         }
     }
 
+    void aHotkeyThatIsNotOursIsShownAsTheDesktopTells() {
+        FakePlatform platform;
+        Settings::shared().email = "ann@h.example";
+        Application application;
+        application.finishLaunching();
+        using Choice = Hotkeys::DesktopsChoice;
+        const QString greeting = "Turn copied Jira URLs into rich hyperlinks.";
+        struct Case {
+            const char *name;
+            std::optional<Choice> choice;
+            QString unavailable;
+            QString hotkey;
+        };
+        for (const auto &[name, choice, unavailable, hotkey] :
+             {Case{"the desktop's", Choice{"Ctrl+Alt+V", {}}, {}, "Ctrl+Alt+V"},
+              Case{"in a file of the user's", Choice{"Put this there:", {}, "x"}, "no way", {}},
+              Case{"none", std::nullopt, "no way", {}}}) {
+            platform.hotkeys->choice = choice;
+            platform.hotkeys->unavailable = unavailable;
+            application.reinstallHotkey();
+            const QString title = statusMenu()->actions()[0]->text();
+            QVERIFY2(title == (hotkey.isEmpty() ? "Enrich && Paste"
+                                                : "Enrich && Paste (" + hotkey + ")"),
+                     qPrintable(name + (": " + title)));
+            entry(statusMenu(), "About Brindle")->trigger();
+            QTRY_VERIFY2(!platform.alerts->shown.isEmpty(), name);
+            const QString about = platform.alerts->shown.takeLast().informativeText;
+            QVERIFY2(about == greeting + (hotkey.isEmpty() ? QString() : "\n\nHotkey: " + hotkey),
+                     qPrintable(name + (": " + about)));
+        }
+    }
+
     void updatesAreTheSoftwareCentresBusiness() {
         FakePlatform platform;
         Settings::shared().email = "ann@h.example";

@@ -1,4 +1,5 @@
 #include "app/Application.h"
+#include "app/ApplicationService.h"
 #include "app/FittedView.h"
 #include "fakes/FakePlatform.h"
 #include "preferences/PreferencesView.h"
@@ -78,6 +79,27 @@ private Q_SLOTS:
         QVERIFY(!settings->isVisible());
         QCOMPARE(launched.settings(), settings);
         QVERIFY(settings->isVisible());
+    }
+
+    void aLaunchersTokenIsInForceForItsCallAlone() {
+        const FakePlatform platform;
+        QStringList tokens;
+        const auto note = [&] { tokens.append(qEnvironmentVariable("XDG_ACTIVATION_TOKEN")); };
+        ApplicationService service(note, {{"logs", note}});
+        const QList<std::pair<QVariantMap, QString>> cases{
+            {{{"activation-token", "a"}}, "a"},
+            {{{"desktop-startup-id", "b"}}, "b"},
+            {{{"activation-token", "c"}, {"desktop-startup-id", "b"}}, "c"},
+            {{}, ""}};
+        for (const auto &[platformData, token] : cases) {
+            service.Activate(platformData);
+            service.ActivateAction("logs", {}, platformData);
+            QVERIFY(tokens.isEmpty()); // the caller has its answer first
+            platform.dispatch->drain();
+            QCOMPARE(tokens, QStringList({token, token}));
+            QVERIFY(!qEnvironmentVariableIsSet("XDG_ACTIVATION_TOKEN"));
+            tokens.clear();
+        }
     }
 
     void onlyTheLogWindowIsResizable() {

@@ -175,14 +175,22 @@ private Q_SLOTS:
     }
 
     void accessibilityAlert() {
-        for (const auto &[button, missing, logged] :
-             {std::tuple(0, QString(), QString()), std::tuple(1, QString(), QString()),
-              std::tuple(0, QString("no page"),
-                         QString("enrich: can't open the accessibility settings: no page"))}) {
+        using State = PasteAccess::State;
+        struct Case {
+            const char *name;
+            int button;
+            State answered; ///< by the user, where the desktop asks
+            QString logged;
+        };
+        for (const auto &[name, button, answered, logged] :
+             {Case{"granted", 0, State::Ready, "access: permission to paste given"},
+              Case{"declined", 0, State::NeedsConsent, "access: no permission to paste (not now)"},
+              Case{"dismissed", 1, State::Ready,
+                   "enrich: Accessibility not granted — skipping clipboard mutation"}}) {
             Scene scene;
-            scene.pasteKeys->granted.state = PasteAccess::State::NeedsConsent;
+            scene.pasteKeys->granted.state = State::NeedsConsent;
+            scene.pasteKeys->answered = {answered, "not now"};
             scene.alerts->answer = button;
-            scene.workspace->missing = missing;
             scene.run();
             const Alert alert = scene.alerts->shown.value(0);
             QCOMPARE(alert.style, Alert::Style::Warning);
@@ -194,9 +202,28 @@ private Q_SLOTS:
                 "the switch on for Brindle (add it manually with the + button if it isn't "
                 "listed yet).\n\nDetails: Brindle isn't in the Accessibility allowlist yet.");
             QCOMPARE(alert.buttons, QStringList({"Open Accessibility Settings", "Dismiss"}));
-            QCOMPARE(scene.workspace->opened, button == 0 ? 1 : 0);
-            if (!logged.isEmpty())
-                QCOMPARE(scene.takeLog().constLast(), logged);
+            QVERIFY2(scene.pasteKeys->requests == (button == 0 ? 1 : 0), name);
+            QVERIFY2(scene.workspace->opened == 0, name);
+            const QString last = scene.takeLog().constLast();
+            QVERIFY2(last == logged, qPrintable(name + (": " + last)));
+        }
+    }
+
+    void whereNobodyCanBeAskedTheAlertOpensTheSettings() {
+        const QString tried = "enrich: paste failed (not authorized)";
+        const QString noPage = "enrich: can't open the accessibility settings: no page";
+        for (const auto &[missing, logged] :
+             {std::pair(QString(), tried), std::pair(QString("no page"), noPage)}) {
+            Scene scene;
+            scene.pasteKeys->canPost = false;
+            scene.childProcess->result = {{}, 1, "not authorized"};
+            scene.alerts->answer = 0;
+            scene.workspace->missing = missing;
+            scene.run();
+            QCOMPARE(scene.alerts->shown.size(), 1);
+            QCOMPARE(scene.workspace->opened, 1);
+            QCOMPARE(scene.pasteKeys->requests, 0);
+            QCOMPARE(scene.takeLog().constLast(), logged);
         }
     }
 

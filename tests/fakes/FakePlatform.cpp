@@ -89,7 +89,7 @@ void FakePasteboard::put(const QList<PasteboardItem> &items, std::optional<qint6
                          const Written &done) {
     if (beforeWrite)
         std::exchange(beforeWrite, nullptr)();
-    if (ifCountIs && *ifCountIs != count) {
+    if (refusesWrites || (ifCountIs && *ifCountIs != count)) {
         done(std::nullopt);
         return;
     }

@@ -76,6 +76,7 @@ public:
     std::function<void()> beforeWrite; ///< what happens just before a write is carried out
     std::optional<QList<PasteboardItem>> finished;
     QString unavailable;
+    bool refusesWrites = false;
     std::shared_ptr<ManualDispatch> clock; ///< of the writes
 
 private:
@@ -93,6 +94,7 @@ public:
     PasteAccess access() const override { return granted; }
     void requestAccess(std::function<void(const PasteAccess &)> done) override {
         ++requests;
+        granted = answered.value_or(granted);
         done(granted);
     }
     std::optional<KeyLayout> layout() override { return keys; }
@@ -114,6 +116,7 @@ public:
     }
 
     PasteAccess granted;
+    std::optional<PasteAccess> answered; ///< what the user makes of it when asked
     bool canPost = true;
     std::optional<KeyLayout> keys;
     int requests = 0;
@@ -139,6 +142,8 @@ public:
 
 class FakeHotkeys : public Hotkeys {
 public:
+    QString unavailableBecause() const override { return unavailable; }
+    std::optional<DesktopsChoice> desktopsChoice() const override { return choice; }
     void bind(const QList<KeyCombo> &all, std::function<void()> pressed, std::function<void()>,
               Outcome outcome) override;
     void unbind() override { registered.clear(); }
@@ -148,6 +153,8 @@ public:
 
     QList<std::pair<KeyCombo, std::function<void()>>> registered;
     QList<KeyCombo> taken;
+    QString unavailable;
+    std::optional<DesktopsChoice> choice;
     QHash<quint32, quint32> virtualKeys; ///< by native scan code
 };
 

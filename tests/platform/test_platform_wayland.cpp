@@ -396,9 +396,17 @@ private Q_SLOTS:
         qputenv("XDG_CURRENT_DESKTOP", "labwc:wlroots");
         const Platform other = makeLinuxPlatform();
         QCOMPARE(other.choices[0], "hotkeys: unavailable; not sway IPC (SWAYSOCK is not set)");
-        QCOMPARE(other.hotkeys->desktopsChoice()->text,
+        const auto choice = other.hotkeys->desktopsChoice();
+        QCOMPARE(choice->text, "No program can choose a hotkey here. Put this line into the "
+                               "configuration of labwc:");
+        QCOMPARE(choice->line,
                  "<keybind key=\"C-A-W-v\"><action name=\"Execute\" command=\"brindle paste\"/>"
                  "</keybind>");
+        qputenv("XDG_CURRENT_DESKTOP", "unheard-of");
+        QCOMPARE(other.hotkeys->desktopsChoice()->text,
+                 "No program can choose a hotkey here. Let a keyboard shortcut of the desktop run "
+                 "this command:");
+        QCOMPARE(other.hotkeys->desktopsChoice()->line, "brindle paste");
     }
 
 private:

@@ -5,12 +5,12 @@
 namespace {
 
 struct Line {
-    const char *desktop; ///< as XDG_CURRENT_DESKTOP has it, without case
+    const char *desktop; ///< as XDG_CURRENT_DESKTOP has it, but for its case
     const char *line;
 };
 
 constexpr Line lines[] = {
-    {"hyprland", "bind = CTRL ALT SUPER, V, exec, brindle paste"},
+    {"Hyprland", "bind = CTRL ALT SUPER, V, exec, brindle paste"},
     {"labwc", "<keybind key=\"C-A-W-v\"><action name=\"Execute\" command=\"brindle paste\"/>"
               "</keybind>"},
     {"niri", "Ctrl+Alt+Super+V { spawn \"brindle\" \"paste\"; }"},
@@ -29,8 +29,15 @@ std::optional<Hotkeys::DesktopsChoice> CompositorHotkeys::desktopsChoice() const
     for (const QString &desktop : qEnvironmentVariable("XDG_CURRENT_DESKTOP").split(u':')) {
         for (const Line &known : lines) {
             if (desktop.compare(QLatin1String(known.desktop), Qt::CaseInsensitive) == 0)
-                return DesktopsChoice{QString::fromLatin1(known.line), {}};
+                return DesktopsChoice{QStringLiteral("No program can choose a hotkey here. Put "
+                                                     "this line into the configuration of %1:")
+                                          .arg(QLatin1String(known.desktop)),
+                                      {},
+                                      QString::fromLatin1(known.line)};
         }
     }
-    return DesktopsChoice{QStringLiteral("Let your compositor run: brindle paste"), {}};
+    return DesktopsChoice{QStringLiteral("No program can choose a hotkey here. Let a keyboard "
+                                         "shortcut of the desktop run this command:"),
+                          {},
+                          QStringLiteral("brindle paste")};
 }

@@ -14,7 +14,8 @@ public:
     void bind(const QList<KeyCombo> &all, std::function<void()> pressed,
               std::function<void()> released, Outcome outcome) override;
     void unbind() override {}
-    /// What to put into the configuration of the compositor that XDG_CURRENT_DESKTOP names.
+    /// With the line to put into the configuration of the compositor that XDG_CURRENT_DESKTOP
+    /// names.
     std::optional<DesktopsChoice> desktopsChoice() const override;
     std::optional<quint32> virtualKey(quint32) const override { return std::nullopt; }
 

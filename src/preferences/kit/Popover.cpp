@@ -15,6 +15,9 @@ Popover::Popover(Qt::WindowType type, QWidget *parent)
     : QFrame(parent, type | Qt::FramelessWindowHint) {
     setAttribute(Qt::WA_ShowWithoutActivating, type == Qt::ToolTip);
     setAttribute(Qt::WA_X11NetWmWindowTypeCombo);
+    // A mask takes clicks from the corners there, but they are seen all the same.
+    setAttribute(Qt::WA_TranslucentBackground,
+                 QGuiApplication::platformName().startsWith(QLatin1String("wayland")));
 }
 
 void Popover::showAt(const QRect &anchor) {

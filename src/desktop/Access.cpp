@@ -1,0 +1,35 @@
+#include "desktop/Access.h"
+
+#include "platform/Platform.h"
+#include "storage/LogStore.h"
+
+#include <utility>
+
+QString Access::clipboardProblem() {
+    const QString reason = Platform::current().pasteboard->unavailableBecause();
+    return reason.isEmpty() ? QString()
+                            : QStringLiteral("Brindle can't reach the clipboard: %1.").arg(reason);
+}
+
+QString Access::pasteProblem() {
+    const PasteAccess access = Platform::current().pasteKeys->access();
+    if (access.state != PasteAccess::State::Impossible)
+        return {};
+    return QStringLiteral("Brindle can't paste here: %1. Links are copied for you to paste.")
+        .arg(access.reason);
+}
+
+bool Access::needsConsent() {
+    return Platform::current().pasteKeys->access().state == PasteAccess::State::NeedsConsent;
+}
+
+void Access::askForConsent(std::function<void()> done) {
+    log(QStringLiteral("access: asking for permission to paste"));
+    Platform::current().pasteKeys->requestAccess(
+        [done = std::move(done)](const PasteAccess &access) {
+            log(access.state == PasteAccess::State::Ready
+                    ? QStringLiteral("access: permission to paste given")
+                    : QStringLiteral("access: no permission to paste (%1)").arg(access.reason));
+            done();
+        });
+}

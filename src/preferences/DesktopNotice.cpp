@@ -1,0 +1,54 @@
+#include "preferences/DesktopNotice.h"
+
+#include "desktop/Access.h"
+#include "preferences/kit/Button.h"
+#include "preferences/kit/Style.h"
+
+#include <QHBoxLayout>
+#include <QPointer>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// Without a clipboard nothing else matters.
+QString problem() {
+    for (const QString &text : {Access::clipboardProblem(), Access::pasteProblem()}) {
+        if (!text.isEmpty())
+            return text;
+    }
+    return {};
+}
+
+} // namespace
+
+DesktopNotice::DesktopNotice(QWidget *parent)
+    : QWidget(parent), m_ask(new Button(u"Ask for Permission"_s)) {
+    auto *row = new QHBoxLayout(this);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->setSpacing(Style::rowSpacing);
+    row->addWidget(&m_line, 1, Qt::AlignVCenter);
+    row->addWidget(m_ask, 0, Qt::AlignTop);
+    connect(m_ask, &QPushButton::clicked, this, &DesktopNotice::ask);
+    refresh();
+}
+
+void DesktopNotice::refresh() {
+    QString text = problem();
+    const bool waits = text.isEmpty() && Access::needsConsent();
+    if (waits)
+        text = u"Pasting needs your permission on this desktop."_s;
+    m_ask->setVisible(waits);
+    m_line.setResult(text.isEmpty() ? ResultLine::State::Idle : ResultLine::State::Warning, text);
+    setVisible(!text.isEmpty());
+}
+
+void DesktopNotice::ask() {
+    m_ask->setEnabled(false); // one question at a time
+    Access::askForConsent([notice = QPointer(this)] {
+        if (!notice)
+            return;
+        notice->m_ask->setEnabled(true);
+        notice->refresh();
+    });
+}
