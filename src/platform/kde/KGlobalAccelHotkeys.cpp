@@ -9,6 +9,8 @@
 #include <QDBusPendingCallWatcher>
 #include <QDBusServiceWatcher>
 
+#include <algorithm>
+
 namespace {
 
 const QString service = QStringLiteral("org.kde.kglobalaccel");
@@ -149,8 +151,8 @@ void KGlobalAccelHotkeys::bindAll(const Outcome &outcome) {
 }
 
 void KGlobalAccelHotkeys::bindOne(const KeyCombo &combo, const Bound &done) {
-    const auto key = QtKeys::of(combo);
-    if (!key) {
+    const QList<int> keys = QtKeys::of(combo);
+    if (keys.isEmpty()) {
         done(QStringLiteral("is on no key that KDE's shortcuts know"));
         return;
     }
@@ -158,16 +160,18 @@ void KGlobalAccelHotkeys::bindOne(const KeyCombo &combo, const Bound &done) {
         m_known.append(combo);
     tell(QStringLiteral("doRegister"), {idOf(combo)});
     call(QStringLiteral("setShortcut"),
-         {idOf(combo), QVariant::fromValue(QList<int>{*key}), setPresent | noAutoloading},
-         [this, combo, key, done](const QDBusMessage &answer) {
-             const QVariant inForce = answer.arguments().value(0);
+         {idOf(combo), QVariant::fromValue(keys), setPresent | noAutoloading},
+         [this, combo, keys, done](const QDBusMessage &answer) {
+             const auto inForce = qdbus_cast<QList<int>>(answer.arguments().value(0));
+             const auto refused = std::find_if_not(keys.begin(), keys.end(),
+                                                   [&](int key) { return inForce.contains(key); });
              if (answer.type() == QDBusMessage::ErrorMessage) {
                  done(QStringLiteral("was refused by KDE's shortcuts: ") + answer.errorMessage());
-             } else if (qdbus_cast<QList<int>>(inForce).contains(*key)) {
+             } else if (refused == keys.end()) {
                  done({});
              } else {
                  forget(combo);
-                 call(QStringLiteral("getGlobalShortcutsByKey"), {*key},
+                 call(QStringLiteral("getGlobalShortcutsByKey"), {*refused},
                       [done](const QDBusMessage &shortcuts) {
                           const QString holder = firstHolder(shortcuts);
                           done(QStringLiteral("is taken by ") +
@@ -186,7 +190,7 @@ void KGlobalAccelHotkeys::restarted() {
 
 std::optional<quint32> KGlobalAccelHotkeys::virtualKey(quint32 nativeScanCode) const {
     const auto key = KeyCodes::virtualFromX11(nativeScanCode); // the toolkit counts as X does
-    return key && QtKeys::of({*key, 0}) ? key : std::nullopt;
+    return key && !QtKeys::of({*key, 0}).isEmpty() ? key : std::nullopt;
 }
 
 void KGlobalAccelHotkeys::keyPressed() {

@@ -34,6 +34,30 @@ constexpr std::array<Qt::Key, 127> keys = {
 };
 // clang-format on
 
+constexpr std::pair<Qt::Key, Qt::Key> shifted[] = {
+    {Key_1, Key_Exclam},
+    {Key_2, Key_At},
+    {Key_3, Key_NumberSign},
+    {Key_4, Key_Dollar},
+    {Key_5, Key_Percent},
+    {Key_6, Key_AsciiCircum},
+    {Key_7, Key_Ampersand},
+    {Key_8, Key_Asterisk},
+    {Key_9, Key_ParenLeft},
+    {Key_0, Key_ParenRight},
+    {Key_Minus, Key_Underscore},
+    {Key_Equal, Key_Plus},
+    {Key_Semicolon, Key_Colon},
+    {Key_Apostrophe, Key_QuoteDbl},
+    {Key_Comma, Key_Less},
+    {Key_Period, Key_Greater},
+    {Key_Slash, Key_Question},
+    {Key_QuoteLeft, Key_AsciiTilde},
+    {Key_Backslash, Key_Bar},
+    {Key_BracketLeft, Key_BraceLeft},
+    {Key_BracketRight, Key_BraceRight},
+};
+
 constexpr std::pair<quint32, Qt::KeyboardModifier> modifiers[] = {
     {HotkeyFormat::controlKey, Qt::ControlModifier},
     {HotkeyFormat::optionKey, Qt::AltModifier},
@@ -43,13 +67,19 @@ constexpr std::pair<quint32, Qt::KeyboardModifier> modifiers[] = {
 
 } // namespace
 
-std::optional<int> QtKeys::of(const KeyCombo &combo) {
+QList<int> QtKeys::of(const KeyCombo &combo) {
     if (combo.keyCode >= keys.size() || keys[combo.keyCode] == none)
-        return std::nullopt;
-    int key = keys[combo.keyCode];
+        return {};
+    const Qt::Key key = keys[combo.keyCode];
+    int held = 0;
     for (const auto &[bit, modifier] : modifiers) {
         if (combo.modifiers & bit)
-            key |= static_cast<int>(modifier);
+            held |= static_cast<int>(modifier);
     }
-    return key;
+    QList<int> all{key | held};
+    for (const auto &[plain, withShift] : shifted) {
+        if (plain == key && held & Qt::ShiftModifier)
+            all.append(withShift | (held & ~static_cast<int>(Qt::ShiftModifier)));
+    }
+    return all;
 }
