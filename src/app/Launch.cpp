@@ -38,8 +38,6 @@ void endWithTheDisplay() {
 
 int runBrindle(Platform platform) {
     quitOnSignals();
-    std::atexit(endWithTheDisplay);
-    isRunning = true;
     Platform::install(std::move(platform));
     int status = 0;
     {
@@ -47,6 +45,9 @@ int runBrindle(Platform platform) {
         switch (application.claim()) {
         case ApplicationService::Claim::Taken:
             application.finishLaunching();
+            isRunning = true;
+            // Last, so that it runs before anything made so far is destroyed.
+            std::atexit(endWithTheDisplay);
             status = QApplication::exec();
             break;
         case ApplicationService::Claim::HandedOver:

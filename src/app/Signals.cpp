@@ -23,6 +23,9 @@ void handle(int) {
 } // namespace
 
 void quitOnSignals() {
+    // A display or a bus that goes away while something is written to it must not end us before the
+    // toolkit has told us.
+    std::signal(SIGPIPE, SIG_IGN);
     if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, signalPipe) != 0)
         return;
     auto *notifier = new QSocketNotifier(signalPipe[1], QSocketNotifier::Read, qApp);

@@ -6,6 +6,7 @@
 #include "stage/Keyring.h"
 #include "stage/VirtualDesktop.h"
 #include "stage/VirtualKeyboard.h"
+#include "stage/WaylandClipboardReader.h"
 #include "stage/Windows.h"
 #include "support/NotificationLog.h"
 
@@ -21,7 +22,7 @@ inline const QString recordLink = "https://r.example/507f1f77bcf86cd799439011";
 struct Scene {
     explicit Scene(DesktopOptions options = {.keyring = true})
         : desktop(options),
-          keys(desktop.keyboardDisplay()),
+          keys(desktop),
           shown(desktop.busAddress()),
           isStored(!options.keyring || storeToken(desktop, "jira-api-token", "jira-secret")) {}
 
@@ -34,8 +35,8 @@ struct Scene {
     bool isUp() { return desktop.problem().isEmpty() && isStored && brindle->isUp(); }
 
     /// Puts an application in front, to be pasted into; false if it does not come.
-    bool openTarget(const QStringList &arguments = {}) {
-        target = std::make_unique<PasteTarget>(desktop, arguments);
+    bool openTarget(const QStringList &arguments = {}, TargetKind kind = TargetKind::Qt) {
+        target = std::make_unique<PasteTarget>(desktop, kind, arguments);
         return waitFor([this] { return target->hasFocus(); });
     }
 
@@ -45,9 +46,22 @@ struct Scene {
     }
     void press() { keys.chord({hotkey()[0], hotkey()[1], hotkey()[2], hotkey()[3]}); }
 
-    QString clipboard(const QString &name = "UTF8_STRING") {
-        return QString::fromUtf8(
-            ClipboardReader(desktop.display()).data(name).value_or("(nothing)"));
+    /// The name of text on this desktop.
+    QString textName() const {
+        return desktop.kind() == DesktopKind::X11 ? "UTF8_STRING" : "text/plain;charset=utf-8";
+    }
+    /// What another program that copies text, as HTML too, offers.
+    QList<OwnedFlavour> copied(const QString &text) const {
+        return {{"text/html", "<p>" + text.toUtf8() + "</p>"}, {textName(), text.toUtf8()}};
+    }
+    QByteArray clipboardData(const QString &name) const {
+        const auto data = desktop.kind() == DesktopKind::X11
+                              ? ClipboardReader(desktop.display()).data(name)
+                              : WaylandClipboardReader(desktop.waylandSocket()).data(name);
+        return data.value_or("(nothing)");
+    }
+    QString clipboard(const QString &name = {}) const {
+        return QString::fromUtf8(clipboardData(name.isEmpty() ? textName() : name));
     }
     bool clipboardBecomes(const QString &text) {
         return waitFor([&] { return clipboard() == text; });
@@ -67,7 +81,3 @@ struct Scene {
     std::unique_ptr<BrindleProcess> brindle;
     std::unique_ptr<PasteTarget> target;
 };
-
-inline QList<OwnedFlavour> copied(const QString &text) {
-    return {{"text/html", "<p>" + text.toUtf8() + "</p>"}, {"UTF8_STRING", text.toUtf8()}};
-}

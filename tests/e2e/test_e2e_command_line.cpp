@@ -79,7 +79,7 @@ private Q_SLOTS:
         scene.start();
         QVERIFY(scene.isUp());
         QVERIFY(scene.openTarget());
-        const ClipboardOwner owner(scene.desktop, copied(record));
+        const ClipboardOwner owner(scene.desktop, scene.copied(record));
         QCOMPARE(run({"paste"}, environment).status, 0);
         const auto paste = scene.target->waitForPaste();
         QVERIFY(paste && paste->text == recordLink);
@@ -101,7 +101,7 @@ private Q_SLOTS:
     void pasteStartsItWhereNoneRuns() {
         Scene scene;
         QVERIFY(scene.openTarget());
-        const ClipboardOwner owner(scene.desktop, copied(record));
+        const ClipboardOwner owner(scene.desktop, scene.copied(record));
         scene.start({}, BRINDLE_PROGRAM, {"paste"});
         QVERIFY(scene.target->waitForPaste());
         QVERIFY(scene.clipboardBecomes(record));

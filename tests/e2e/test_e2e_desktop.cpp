@@ -73,7 +73,7 @@ private Q_SLOTS:
         QCOMPARE(area.menu(), (QStringList{"Enrich & Paste (Alt+Super+J)", "Enrich Clipboard Only",
                                            "-", "Preferences…", "View Logs…", "-", "About Brindle",
                                            "Check for Updates…", "Quit"}));
-        const ClipboardOwner owner(scene.desktop, copied(record));
+        const ClipboardOwner owner(scene.desktop, scene.copied(record));
         // The other button opens the same menu on the screen; this is its second entry.
         const QImage before = screenPicture(scene.desktop.display());
         QVERIFY(area.click());
@@ -144,11 +144,11 @@ private Q_SLOTS:
         QVERIFY(scene.isUp());
         QVERIFY(scene.openTarget());
         {
-            const ClipboardOwner owner(scene.desktop, copied(record));
+            const ClipboardOwner owner(scene.desktop, scene.copied(record));
             QVERIFY(scene.brindle->activate("enrich-only"));
             QVERIFY(scene.clipboardBecomes(recordLink));
         }
-        const ClipboardOwner owner(scene.desktop, copied(record));
+        const ClipboardOwner owner(scene.desktop, scene.copied(record));
         scene.keys.chord({keyCode(KEY_LEFTCTRL), keyCode(KEY_LEFTALT), keyCode(KEY_K)});
         QVERIFY(scene.target->waitForPaste());
         QVERIFY(scene.clipboardBecomes(record));
@@ -199,7 +199,7 @@ private Q_SLOTS:
         scene.start();
         QVERIFY(scene.isUp());
         QVERIFY(scene.openTarget());
-        const ClipboardOwner owner(scene.desktop, copied(record));
+        const ClipboardOwner owner(scene.desktop, scene.copied(record));
         std::atomic<bool> isThere = false;
         auto saved = std::async(std::launch::async,
                                 [&] { return handedOver(scene.desktop.display(), isThere); });

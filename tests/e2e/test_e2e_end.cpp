@@ -31,7 +31,7 @@ struct State {
 };
 
 State copyAndPress(Site &site, const QString &text, const QStringList &manners = {}) {
-    State state{std::make_unique<ClipboardOwner>(site.desktop, copied(text), manners)};
+    State state{std::make_unique<ClipboardOwner>(site.desktop, site.copied(text), manners)};
     site.press();
     return state;
 }
@@ -51,7 +51,7 @@ State stalledAt(Site &site, const QString &target) {
 }
 
 State heldHotkey(Site &site) {
-    State state{std::make_unique<ClipboardOwner>(site.desktop, copied(record))};
+    State state{std::make_unique<ClipboardOwner>(site.desktop, site.copied(record))};
     for (const int key : Scene::hotkey())
         site.keys.press(key);
     state.isReached = site.clipboardBecomes(recordLink);
@@ -138,7 +138,8 @@ private Q_SLOTS:
         timer.start();
         end(site);
         QVERIFY(waitFor([&] { return site.brindle->state() == QProcess::NotRunning; }, 30000));
-        QCOMPARE(site.brindle->exitStatus(), QProcess::NormalExit);
+        QVERIFY2(site.brindle->exitStatus() == QProcess::NormalExit,
+                 qPrintable(QString("ended by signal %1").arg(site.brindle->exitCode())));
         QCOMPARE(site.brindle->exitCode(), 0);
         QVERIFY2(timer.elapsed() < longestEnd, qPrintable(QString::number(timer.elapsed())));
         qInfo("ended after %lld ms", timer.elapsed());

@@ -32,7 +32,7 @@ private Q_SLOTS:
                         {"displayTemplate",
                          "{key} - {TYPE} - {summary}<c> {commenter-name}: {commenttext}</c>"}});
             QVERIFY(scene.isReady());
-            const ClipboardOwner owner(scene.desktop, ::copied(copied));
+            const ClipboardOwner owner(scene.desktop, scene.copied(copied));
             scene.press();
             const auto paste = scene.target->waitForPaste();
             QVERIFY(paste);
@@ -64,7 +64,7 @@ private Q_SLOTS:
         const QImage usual = area.picture();
         QVERIFY(!usual.isNull());
         scene.gateway.replies[issueTarget].delay = 2000;
-        const ClipboardOwner owner(scene.desktop, copied(issue));
+        const ClipboardOwner owner(scene.desktop, scene.copied(issue));
         scene.press();
         QVERIFY(waitFor([&] { return area.picture() != usual; }));
         QCOMPARE(scene.target->pasteCount(), 0);
@@ -75,7 +75,7 @@ private Q_SLOTS:
     void failuresAreToldAndChangeNothing() {
         Site scene;
         QVERIFY(scene.isReady());
-        const ClipboardOwner owner(scene.desktop, copied(issue));
+        const ClipboardOwner owner(scene.desktop, scene.copied(issue));
         using Manner = GatewayReply::Manner;
         const QList<std::tuple<QString, GatewayReply, QString>> cases{
             {"/_edge/tenant_info",
@@ -106,7 +106,7 @@ private Q_SLOTS:
         const auto keyring = static_cast<pid_t>(
             scene.desktop.bus().interface()->servicePid("org.freedesktop.secrets").value());
         {
-            const ClipboardOwner owner(scene.desktop, copied(issue));
+            const ClipboardOwner owner(scene.desktop, scene.copied(issue));
             QCOMPARE(kill(keyring, SIGSTOP), 0);
             QVERIFY(scene.brindle->activate("enrich"));
             QVERIFY(scene.brindle->activate("none"));
@@ -115,7 +115,7 @@ private Q_SLOTS:
             QVERIFY(scene.target->waitForPaste());
         }
         const qsizetype requests = scene.gateway.requests.size();
-        const ClipboardOwner owner(scene.desktop, copied(issue));
+        const ClipboardOwner owner(scene.desktop, scene.copied(issue));
         QVERIFY(lockKeyring(scene.desktop)); // and nobody unlocks it
         QTRY_VERIFY_WITH_TIMEOUT((scene.press(), scene.shown.waitForAccepted(1, 3000)),
                                  15000); // the paste ends first

@@ -16,7 +16,7 @@ private Q_SLOTS:
             Scene scene;
             scene.start({{"accountPasteFormat", format}});
             QVERIFY(scene.isUp() && scene.openTarget());
-            const ClipboardOwner owner(scene.desktop, copied(record.toUpper()));
+            const ClipboardOwner owner(scene.desktop, scene.copied(record.toUpper()));
             scene.press();
             scene.press();
             const auto paste = scene.target->waitForPaste();
@@ -43,7 +43,7 @@ private Q_SLOTS:
         scene.start();
         QVERIFY(scene.isUp() && scene.openTarget());
         {
-            const ClipboardOwner owner(scene.desktop, copied(record));
+            const ClipboardOwner owner(scene.desktop, scene.copied(record));
             scene.target->send("busy 1400");
             QVERIFY(!scene.target->waitForEvent("busy").isEmpty());
             scene.press();
@@ -52,10 +52,10 @@ private Q_SLOTS:
             QCOMPARE(paste->text, recordLink);
             QVERIFY(scene.clipboardBecomes(record));
         }
-        const ClipboardOwner owner(scene.desktop, copied(record));
+        const ClipboardOwner owner(scene.desktop, scene.copied(record));
         scene.press();
         QVERIFY(scene.target->waitForPaste(1));
-        const ClipboardOwner newer(scene.desktop, copied("something newer"));
+        const ClipboardOwner newer(scene.desktop, scene.copied("something newer"));
         QVERIFY(newer.ownsClipboard());
         QTest::qWait(2500); // longer than any restore may take
         QVERIFY(newer.ownsClipboard());
@@ -68,7 +68,7 @@ private Q_SLOTS:
         QVERIFY(scene.isUp() && scene.openTarget());
         int times = 0;
         for (const char *holder : {"grab", "password"}) {
-            const ClipboardOwner owner(scene.desktop, copied(record));
+            const ClipboardOwner owner(scene.desktop, scene.copied(record));
             QVERIFY(scene.target->command(holder + QString(" on")));
             QTest::qWait(500); // the application tells the accessibility bus in its own time
             // By the bus: no hotkey reaches anybody while the keyboard is held.
@@ -91,7 +91,7 @@ private Q_SLOTS:
         Scene scene({.physicalKeyboard = true, .keyring = true});
         scene.start();
         QVERIFY(scene.isUp() && scene.openTarget());
-        const ClipboardOwner owner(scene.desktop, copied(record));
+        const ClipboardOwner owner(scene.desktop, scene.copied(record));
         // After a second of holding, the keys are released for the user.
         for (const auto &[heldFor, pasteNotBefore] :
              {std::pair(400, 400), std::pair(3000, 900), std::pair(400, 400)}) {
@@ -128,7 +128,7 @@ private Q_SLOTS:
         setxkbmap.setProcessEnvironment(scene.desktop.environment());
         setxkbmap.start("setxkbmap", {"us", "-variant", "dvorak"});
         QVERIFY(setxkbmap.waitForFinished() && setxkbmap.exitCode() == 0);
-        const ClipboardOwner owner(scene.desktop, copied(record));
+        const ClipboardOwner owner(scene.desktop, scene.copied(record));
         scene.press(); // the same place on the keyboard
         const auto paste = scene.target->waitForPaste();
         QVERIFY(paste);

@@ -1,5 +1,6 @@
 #include "platform/wayland/SwayConnection.h"
 
+#include <QDeadlineTimer>
 #include <QJsonArray>
 #include <QJsonDocument>
 
@@ -21,6 +22,8 @@ constexpr quint32 eventBit = 0x80000000;
 
 /// Nothing that sway says is longer.
 constexpr quint32 largestPayload = 16 * 1024 * 1024;
+
+constexpr std::chrono::milliseconds longestFinish{500};
 
 } // namespace
 
@@ -49,6 +52,12 @@ void SwayConnection::send(Request request, const QByteArray &payload, Reply repl
     std::memcpy(header.data(), &lengths, sizeof lengths);
     m_socket.write(magic + header + payload);
     m_replies.push_back(std::move(reply));
+}
+
+void SwayConnection::finish() {
+    const QDeadlineTimer deadline(longestFinish);
+    while (!m_replies.empty() && m_socket.waitForReadyRead(int(deadline.remainingTime()))) {
+    }
 }
 
 void SwayConnection::receive() {

@@ -7,7 +7,7 @@
 #include <deque>
 #include <functional>
 
-/// A connection to sway's command socket. Served by the event loop; nothing waits.
+/// A connection to sway's command socket. Served by the event loop.
 class SwayConnection {
 public:
     /// The kinds of messages, by the numbers that they have on the wire.
@@ -26,8 +26,9 @@ public:
     /// connection breaks before. Answers come in the order of the requests.
     void send(Request request, const QByteArray &payload, Reply reply);
 
-    /// Sends now what can be sent without waiting.
-    void flush() { m_socket.flush(); }
+    /// Waits until sway has answered everything, half a second at most. It does not read any more
+    /// what a client sent before it hung up.
+    void finish();
 
 private:
     void receive();

@@ -47,6 +47,7 @@ SwayHotkeys::SwayHotkeys()
 
 SwayHotkeys::~SwayHotkeys() {
     unbind();
+    m_sway.finish();
 }
 
 void SwayHotkeys::bind(const QList<KeyCombo> &all, std::function<void()> pressed,
@@ -69,7 +70,6 @@ void SwayHotkeys::unbind() {
                 QStringLiteral("unbindcode ").toUtf8() +
                     std::exchange(m_bound, {}).join(QStringLiteral("; unbindcode ")).toUtf8(),
                 [](const QJsonValue &) {});
-    m_sway.flush();
 }
 
 /// A key that is bound already is replaced without a word, so sway is asked for the configuration
