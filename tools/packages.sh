@@ -1,10 +1,9 @@
 # Sourced by ./run and ./test: installs the Debian packages a task needs, once, and says so.
 
 BUILD_PACKAGES="g++ cmake ninja-build pkg-config qt6-base-dev libxcb1-dev libxcb-xfixes0-dev
-    libxcb-xkb-dev libxcb-xtest0-dev libxkbcommon-x11-dev libwayland-dev qt6-wayland libsecret-1-dev
-    libglib2.0-dev libicu-dev"
-DEMO_PACKAGES="xvfb openbox dbus-daemon openssl fonts-dejavu-core fonts-noto-color-emoji
-    plasma-wayland-protocols"
+    libxcb-xkb-dev libxcb-xtest0-dev libxkbcommon-x11-dev libwayland-dev plasma-wayland-protocols
+    qt6-wayland libsecret-1-dev libglib2.0-dev libicu-dev"
+DEMO_PACKAGES="xvfb openbox dbus-daemon openssl fonts-dejavu-core fonts-noto-color-emoji"
 TEST_PACKAGES="$DEMO_PACKAGES clang-format xserver-xephyr xdotool dunst gnome-keyring gcr at-spi2-core
     dbus x11-xserver-utils x11-xkb-utils python3 libsecret-tools trayer sway kwin-wayland
     xwayland foot wl-clipboard python3-gi gir1.2-gtk-3.0"

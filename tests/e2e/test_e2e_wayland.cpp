@@ -2,21 +2,23 @@
 #include "support/Unprivileged.h"
 
 #include <QElapsedTimer>
+#include <QSettings>
 
 namespace {
 
-// KWin joins when its keys and hotkeys are served.
-const QList<std::pair<QByteArray, DesktopKind>> desktops{{"sway", DesktopKind::Sway}};
+const QList<std::pair<QByteArray, DesktopKind>> desktops{{"sway", DesktopKind::Sway},
+                                                         {"KWin", DesktopKind::KWin}};
 const QList<std::pair<QByteArray, TargetKind>> targets{{"Qt", TargetKind::Qt},
                                                        {"GTK 3", TargetKind::Gtk},
                                                        {"foot", TargetKind::Foot},
                                                        {"XWayland", TargetKind::XWayland}};
 
+/// With what the installed desktop entry grants.
 DesktopOptions optionsFor(DesktopKind kind) {
-    return {.keyring = true,
-            .kind = kind,
-            .grants = {{BRINDLE_PROGRAM, "org_kde_kwin_fake_input,org_kde_kwin_keystate,"
-                                         "org_kde_plasma_window_management"}}};
+    const QSettings entry(BRINDLE_DESKTOP_ENTRY, QSettings::IniFormat);
+    const QStringList globals =
+        entry.value("Desktop Entry/X-KDE-Wayland-Interfaces").toStringList();
+    return {.keyring = true, .kind = kind, .grants = {{BRINDLE_PROGRAM, globals.join(',')}}};
 }
 
 /// Processor time of a process, in hundredths of a second.

@@ -395,7 +395,9 @@ private Q_SLOTS:
         qunsetenv("SWAYSOCK");
         qputenv("XDG_CURRENT_DESKTOP", "labwc:wlroots");
         const Platform other = makeLinuxPlatform();
-        QCOMPARE(other.choices[0], "hotkeys: unavailable; not sway IPC (SWAYSOCK is not set)");
+        QCOMPARE(other.choices[0],
+                 "hotkeys: unavailable; not sway IPC (SWAYSOCK is not set); not KGlobalAccel "
+                 "(the desktop is not Plasma)");
         const auto choice = other.hotkeys->desktopsChoice();
         QCOMPARE(choice->text, "No program can choose a hotkey here. Put this line into the "
                                "configuration of labwc:");

@@ -1,6 +1,7 @@
 #include "platform/linux/LinuxPlatform.h"
 
 #include "platform/Unavailable.h"
+#include "platform/kde/KdeBackends.h"
 #include "platform/linux/AutostartEntry.h"
 #include "platform/linux/Candidates.h"
 #include "platform/linux/DBusNotifications.h"
@@ -15,6 +16,9 @@
 #include "platform/qt/QtUrlSession.h"
 #include "platform/qt/SettingsFile.h"
 #include "platform/x11/X11Backends.h"
+#ifdef BRINDLE_KWIN
+#include "platform/kde/KWinBackends.h"
+#endif
 #ifdef BRINDLE_WAYLAND
 #include "platform/wayland/CompositorHotkeys.h"
 #include "platform/wayland/WaylandBackends.h"
@@ -67,9 +71,11 @@ void choose(Platform &platform, const Candidates &candidates) {
 
 void useX11(Platform &platform) {
     X11Backends x11(platform.dispatch);
+    KdeBackends kde;
     choose(platform,
            {.pasteboard = {{QStringLiteral("X11 selection"), [&] { return x11.pasteboard(); }}},
-            .hotkeys = {{QStringLiteral("X11 grabs"), [&] { return x11.hotkeys(); }}},
+            .hotkeys = {{QStringLiteral("KGlobalAccel"), [&] { return kde.globalAccel(); }},
+                        {QStringLiteral("X11 grabs"), [&] { return x11.hotkeys(); }}},
             .pasteKeys = {{QStringLiteral("XTEST"), [&] { return x11.pasteKeys(); }}},
             .frontWindow = {{QStringLiteral("X11 focus"), [&] { return x11.frontWindow(); }}},
             .noHotkeys = unavailable<UnavailableHotkeys, Hotkeys>()});
@@ -79,17 +85,35 @@ void useX11(Platform &platform) {
 }
 
 #ifdef BRINDLE_WAYLAND
-/// X11 is left alone: its grabs and fake keys reach no native window, and a connection would start
-/// XWayland for nothing.
+/// The clipboard of a compositor that offers no data-control, through its X server: some, GNOME's
+/// among them, mirror it there whatever is in front.
+Result<std::shared_ptr<Pasteboard>> throughXWayland(const Platform &platform) {
+    return X11Backends(platform.dispatch).pasteboard();
+}
+
+/// But for that X11 is left alone: its grabs and fake keys reach no native window, and a connection
+/// would start XWayland for nothing.
 void useWayland(Platform &platform, WaylandBackends &wayland) {
-    choose(platform,
-           {.pasteboard = {{QStringLiteral("data-control"), [&] { return wayland.dataControl(); }}},
-            .hotkeys = {{QStringLiteral("sway IPC"), [&] { return wayland.sway(); }}},
-            .pasteKeys = {{QStringLiteral("virtual keyboard"),
-                           [&] { return wayland.virtualKeyboard(); }}},
-            .frontWindow = {{QStringLiteral("foreign toplevel"),
-                             [&] { return wayland.foreignToplevel(); }}},
-            .noHotkeys = unavailable<CompositorHotkeys, Hotkeys>()});
+    KdeBackends kde;
+    Candidates candidates{
+        .pasteboard = {{QStringLiteral("data-control"), [&] { return wayland.dataControl(); }},
+                       {QStringLiteral("X11 selection"),
+                        [&] { return throughXWayland(platform); }}},
+        .hotkeys = {{QStringLiteral("sway IPC"), [&] { return wayland.sway(); }},
+                    {QStringLiteral("KGlobalAccel"), [&] { return kde.globalAccel(); }}},
+        .pasteKeys = {{QStringLiteral("virtual keyboard"),
+                       [&] { return wayland.virtualKeyboard(); }}},
+        .frontWindow = {{QStringLiteral("foreign toplevel"),
+                         [&] { return wayland.foreignToplevel(); }}},
+        .noHotkeys = unavailable<CompositorHotkeys, Hotkeys>()};
+#ifdef BRINDLE_KWIN
+    KWinBackends kwin(platform.dispatch, wayland.connection());
+    candidates.pasteKeys.push_back(
+        {QStringLiteral("fake input"), [&] { return kwin.fakeInput(kde.hold()); }});
+    candidates.frontWindow.push_back(
+        {QStringLiteral("Plasma's windows"), [&] { return kwin.plasmaWindows(); }});
+#endif
+    choose(platform, candidates);
     platform.secureInput = makeSecureInput(platform.dispatch, nullptr);
     platform.trayHost = std::make_shared<StatusNotifierTrayHost>(nullptr);
 }

@@ -62,6 +62,11 @@ QString ThreadedPasteboard::problem(std::chrono::milliseconds limit) {
     return m_problem.get();
 }
 
+bool ThreadedPasteboard::hasAnswered() const {
+    return !m_problem.valid() ||
+           m_problem.wait_for(std::chrono::seconds(0)) == std::future_status::ready;
+}
+
 QString ThreadedPasteboard::unavailableBecause() const {
     const std::scoped_lock lock(m_shared->mutex);
     return m_shared->trouble;

@@ -20,6 +20,10 @@ public:
     /// Waits until the server has reached its desktop, `limit` at most; then why it could not.
     QString problem(std::chrono::milliseconds limit);
 
+    /// Whether the server has reached its desktop or given up. As long as it has not, this must not
+    /// be destroyed: its thread can't be ended.
+    bool hasAnswered() const;
+
     QString unavailableBecause() const override;
     void read(Read done) override;
     void write(const QList<std::pair<PasteboardType, QByteArray>> &flavours,

@@ -14,10 +14,6 @@ namespace {
 const QString pressCommand = QStringLiteral("nop brindle press");
 const QString releaseCommand = QStringLiteral("nop brindle release");
 
-/// A key that is held repeats at shorter intervals than this. A press after a longer one is a new
-/// press, even if the release between was not told.
-constexpr std::chrono::milliseconds longestRepeatDelay{2500};
-
 /// "Ctrl+Mod1+Mod4+55"; empty for a combination that is on no key.
 QString combination(const KeyCombo &combo) {
     static const QList<std::pair<quint32, QString>> modifiers{
@@ -67,7 +63,7 @@ void SwayHotkeys::bind(const QList<KeyCombo> &all, std::function<void()> pressed
 void SwayHotkeys::unbind() {
     ++m_generation;
     m_wanted.clear();
-    m_isHeld = false;
+    m_hold.release();
     if (m_bound.isEmpty())
         return;
     m_sway.send(SwayConnection::Request::RunCommand,
@@ -151,18 +147,14 @@ void SwayHotkeys::happened(SwayConnection::Event event, const QJsonObject &what)
 }
 
 void SwayHotkeys::keyPressed() {
-    const auto now = std::chrono::steady_clock::now();
-    const bool isRepeat = m_isHeld && now - m_lastPress < longestRepeatDelay;
-    m_lastPress = now;
-    m_isHeld = true;
-    if (isRepeat)
+    if (!m_hold.press())
         return;
     if (const auto pressed = m_pressed) // a copy, since it may bind anew
         pressed();
 }
 
 void SwayHotkeys::keyReleased() {
-    if (!std::exchange(m_isHeld, false))
+    if (!m_hold.release())
         return;
     if (const auto released = m_released)
         released();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/Hotkeys.h"
+#include "platform/linux/HotkeyHold.h"
 #include "platform/wayland/SwayConnection.h"
 
 #include <chrono>
@@ -32,6 +33,5 @@ private:
     std::function<void()> m_released;
     Outcome m_outcome;
     quint64 m_generation = 0; ///< of m_wanted; answers to an earlier one are of no interest
-    bool m_isHeld = false;
-    std::chrono::steady_clock::time_point m_lastPress;
+    HotkeyHold m_hold;
 };

@@ -20,6 +20,8 @@ public:
 
     /// Whether the session is a compositor's.
     bool isSession() const;
+    /// The connection they share.
+    std::shared_ptr<WaylandConnection> connection() const { return m_wayland; }
 
     Result<std::shared_ptr<Pasteboard>> dataControl();
     Result<std::shared_ptr<PasteKeys>> virtualKeyboard();

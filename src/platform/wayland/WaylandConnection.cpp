@@ -77,16 +77,18 @@ void WaylandConnection::removed(uint32_t name) {
     m_seats.remove(name);
 }
 
-bool WaylandConnection::offers(const wl_interface &interface) const {
-    return std::any_of(m_globals.begin(), m_globals.end(),
-                       [&](const Global &global) { return global.interface == interface.name; });
+bool WaylandConnection::offers(const wl_interface &interface, uint32_t version) const {
+    return std::any_of(m_globals.begin(), m_globals.end(), [&](const Global &global) {
+        return global.interface == interface.name && global.version >= version;
+    });
 }
 
-void *WaylandConnection::bindGlobal(const wl_interface &interface) {
+void *WaylandConnection::bindGlobal(const wl_interface &interface, uint32_t newest) {
     for (const Global &global : m_globals) {
         if (global.interface == interface.name)
-            return wl_registry_bind(m_registry, global.name, &interface,
-                                    std::min(global.version, uint32_t(interface.version)));
+            return wl_registry_bind(
+                m_registry, global.name, &interface,
+                std::min({global.version, uint32_t(interface.version), newest}));
     }
     return nullptr;
 }

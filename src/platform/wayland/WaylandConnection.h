@@ -34,12 +34,13 @@ public:
     QString problem() const { return m_problem; }
     bool isOpen() const { return m_problem.isEmpty(); }
 
-    /// Whether the compositor offers that protocol now.
-    bool offers(const wl_interface &interface) const;
-    /// That protocol's global, at most in the version that `interface` describes; null without.
+    /// Whether the compositor offers that protocol now, in that version or a newer one.
+    bool offers(const wl_interface &interface, uint32_t version = 1) const;
+    /// That protocol's global, at most in the version that `interface` describes, nor in one above
+    /// `newest`; null without.
     template <class Object>
-    Object *bind(const wl_interface &interface) {
-        return static_cast<Object *>(bindGlobal(interface));
+    Object *bind(const wl_interface &interface, uint32_t newest = UINT32_MAX) {
+        return static_cast<Object *>(bindGlobal(interface, newest));
     }
 
     WaylandSeats &seats() { return m_seats; }
@@ -72,7 +73,7 @@ private:
     };
     struct Sync;
 
-    void *bindGlobal(const wl_interface &interface);
+    void *bindGlobal(const wl_interface &interface, uint32_t newest);
     void added(uint32_t name, const char *interface, uint32_t version);
     void removed(uint32_t name);
     bool send();

@@ -19,51 +19,59 @@ const QString noServer = QStringLiteral("no X server answers");
 X11Backends::X11Backends(std::shared_ptr<Dispatch> dispatch)
     : m_dispatch(std::move(dispatch)),
       m_pasteboard(std::make_shared<ThreadedPasteboard>(
-          m_dispatch,
-          [](int interrupt, ThreadedPasteboard::News news) {
+          m_dispatch, [](int interrupt, ThreadedPasteboard::News news) {
               return std::make_unique<X11Clipboard>(interrupt, std::move(news));
-          })),
-      m_x11(connectToX11()) {}
+          })) {}
 
 X11Backends::~X11Backends() = default;
 
+std::shared_ptr<X11Connection> X11Backends::connection() {
+    if (!m_x11)
+        m_x11 = connectToX11();
+    return *m_x11;
+}
+
 std::shared_ptr<X11Hotkeys> X11Backends::grabs() {
     if (!m_grabs)
-        m_grabs = std::make_shared<X11Hotkeys>(m_x11);
+        m_grabs = std::make_shared<X11Hotkeys>(connection());
     return m_grabs;
 }
 
 Result<std::shared_ptr<Pasteboard>> X11Backends::pasteboard() {
     const QString problem = m_pasteboard->problem(longestConnect);
+    // A compositor may fail to bring its X server up, and then nobody ever answers. The thread that
+    // waits can't be ended; it is left behind with what it uses.
+    if (!m_pasteboard->hasAnswered()) [[maybe_unused]]
+        const auto *leftBehind = new std::shared_ptr(m_pasteboard);
     if (!problem.isEmpty())
         return Result<std::shared_ptr<Pasteboard>>::failure(problem);
     return std::shared_ptr<Pasteboard>(m_pasteboard);
 }
 
 Result<std::shared_ptr<Hotkeys>> X11Backends::hotkeys() {
-    if (!m_x11)
+    if (!connection())
         return Result<std::shared_ptr<Hotkeys>>::failure(noServer);
     return std::shared_ptr<Hotkeys>(grabs());
 }
 
 Result<std::shared_ptr<PasteKeys>> X11Backends::pasteKeys() {
-    if (!m_x11)
+    if (!connection())
         return Result<std::shared_ptr<PasteKeys>>::failure(noServer);
-    const auto keys = std::make_shared<X11PasteKeys>(m_x11, grabs(), m_dispatch);
+    const auto keys = std::make_shared<X11PasteKeys>(connection(), grabs(), m_dispatch);
     if (keys->access().state != PasteAccess::State::Ready)
         return Result<std::shared_ptr<PasteKeys>>::failure(keys->access().reason);
     return std::shared_ptr<PasteKeys>(keys);
 }
 
 Result<std::shared_ptr<FrontWindow>> X11Backends::frontWindow() {
-    if (!m_x11)
+    if (!connection())
         return Result<std::shared_ptr<FrontWindow>>::failure(noServer);
-    return std::shared_ptr<FrontWindow>(std::make_shared<X11FrontWindow>(m_x11));
+    return std::shared_ptr<FrontWindow>(std::make_shared<X11FrontWindow>(connection()));
 }
 
 Result<std::shared_ptr<SecureInput>> X11Backends::keyboardGrab() {
-    if (!m_x11)
+    if (!connection())
         return Result<std::shared_ptr<SecureInput>>::failure(noServer);
     return std::shared_ptr<SecureInput>(
-        std::make_shared<X11KeyboardGrab>(m_x11, grabs(), m_dispatch));
+        std::make_shared<X11KeyboardGrab>(connection(), grabs(), m_dispatch));
 }
