@@ -11,14 +11,13 @@ Wording &current() {
 } // namespace
 
 Wording macWording() {
-    return {QStringLiteral("macOS"),     QStringLiteral("Mac"),
-            QStringLiteral(u"\u2318V"),  QStringLiteral(u"\u2303\u2318Space"),
-            QStringLiteral("osascript"), HotkeyFormat::describe};
+    return {QStringLiteral("macOS"), QStringLiteral("Mac"), QStringLiteral(u"\u2318V"),
+            QStringLiteral(u"\u2303\u2318Space"), HotkeyFormat::describe};
 }
 
 Wording linuxWording() {
     return {QStringLiteral("the desktop"), QStringLiteral("computer"), QStringLiteral("Ctrl+V"),
-            QStringLiteral("Ctrl+."),      QStringLiteral("xdotool"),  hotkeyInWords};
+            QStringLiteral("Ctrl+."), hotkeyInWords};
 }
 
 const Wording &wording() {

@@ -9,7 +9,6 @@ struct Wording {
     QString computer;        ///< the machine
     QString pasteKeys;       ///< the paste combination as the user presses it
     QString emojiPickerKeys; ///< what opens the emoji picker
-    QString pasteProgram;    ///< the program that presses keys when Brindle can't
 
     /// A hotkey as the user's keyboard is labelled.
     QString (*describeHotkey)(quint32 keyCode, quint32 modifiers);

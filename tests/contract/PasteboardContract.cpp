@@ -1,5 +1,6 @@
 #include "contract/PasteboardContract.h"
 
+#include "contract/Expectations.h"
 #include "stage/StageProcess.h"
 
 namespace {
@@ -9,26 +10,6 @@ using Row =
 
 const QString text = u"é — 🐞 <b>"_qs;
 const QString html = u"<p>é — 🐞</p>"_qs;
-
-/// The first expectation that was not met, in words.
-class Expectations {
-public:
-    template <class T>
-    Expectations &equal(const QString &what, const T &is, const T &shouldBe) {
-        return holds(QStringLiteral("%1: %2 instead of %3")
-                         .arg(what, QDebug::toString(is), QDebug::toString(shouldBe)),
-                     is == shouldBe);
-    }
-    Expectations &holds(const QString &what, bool does) {
-        if (!does && m_failure.isEmpty())
-            m_failure = what;
-        return *this;
-    }
-    operator QString() const { return m_failure; }
-
-private:
-    QString m_failure;
-};
 
 template <class Answer, class Ask>
 Answer await(const Ask &ask) {
