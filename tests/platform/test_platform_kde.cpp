@@ -39,10 +39,10 @@ struct Presses {
 
     /// What is refused, each as its key code and the reason.
     QStringList bind(const QList<KeyCombo> &all) {
-        std::optional<QStringList> told;
+        told.reset();
         hotkeys->bind(
             all, [this] { ++pressed; }, [this] { ++released; },
-            [&](const QList<Hotkeys::Refusal> &refusals) {
+            [this](const QList<Hotkeys::Refusal> &refusals) {
                 told.emplace();
                 for (const auto &[combo, reason] : refusals)
                     told->append(QString::number(combo.keyCode) + ' ' + reason);
@@ -52,6 +52,7 @@ struct Presses {
     }
 
     std::unique_ptr<KGlobalAccelHotkeys> hotkeys;
+    std::optional<QStringList> told;
     int pressed = 0;
     int released = 0;
 };
@@ -167,6 +168,45 @@ private Q_SLOTS:
             return window.pasteCount() > 0;
         }));
         QCOMPARE(presses.pressed, 3);
+    }
+
+    /// As in a session on X11, where the service is a program of its own.
+    void hotkeyComesBackWithTheService() {
+        const VirtualDesktop desktop;
+        QVERIFY2(desktop.problem().isEmpty(), qPrintable(desktop.problem()));
+        QProcessEnvironment environment = desktop.environment();
+        environment.insert("XDG_CURRENT_DESKTOP", "KDE");
+        const auto startService = [&] {
+            auto service = std::make_unique<StageProcess>(environment);
+            service->launch("kglobalaccel5", {});
+            return service;
+        };
+        const auto isThere = [&] { return KGlobalAccelHotkeys::problem(desktop.bus()).isEmpty(); };
+        QCOMPARE(KGlobalAccelHotkeys::problem(desktop.bus()),
+                 "org.kde.kglobalaccel is not on the bus");
+        auto service = startService();
+        QTRY_VERIFY(isThere());
+        VirtualKeyboard keys(desktop);
+        const auto press = [&] {
+            return keys.chord({keyCode(KEY_LEFTCTRL), keyCode(KEY_LEFTALT), keyCode(KEY_LEFTMETA),
+                               keyCode(KEY_V)});
+        };
+        Presses presses(desktop.bus());
+        QCOMPARE(presses.bind({hotkey}), QStringList());
+        const auto answers = [&] {
+            const int before = presses.released;
+            return waitFor([&] {
+                press();
+                return waitFor([&] { return presses.released > before; }, 500);
+            });
+        };
+        QVERIFY(answers());
+        service->kill();
+        QTRY_VERIFY(!isThere());
+        QVERIFY(press());
+        service = startService();
+        QVERIFY(answers());
+        QCOMPARE(presses.pressed, presses.released);
     }
 
     void keysPasteIntoTheWindowInFront_data() {

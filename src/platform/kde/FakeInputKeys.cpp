@@ -87,8 +87,8 @@ void FakeInputKeys::lookAgain() {
 }
 
 /// Where nobody tells which modifiers are held, releasing one that is not does nothing, and a later
-/// release by the user neither. The letter goes first, else it would go on repeating as a plain
-/// one.
+/// release by the user neither. The paste keys' letter, which may be the hotkey's too, goes first:
+/// one that is down already could not be pressed.
 void FakeInputKeys::letGo() {
     if (access().state != PasteAccess::State::Ready)
         return;
