@@ -159,15 +159,18 @@ private Q_SLOTS:
             return window.pasteCount() > 0;
         }));
         QCOMPARE(presses.bind({ctrlV}), QStringList());
+        // The presses of the loop above may still be told.
+        const int before = presses.pressed;
         pressCtrlV();
-        QTRY_COMPARE(presses.pressed, 3);
+        QTRY_VERIFY(presses.pressed > before);
         presses.hotkeys.reset();
+        const int last = presses.pressed;
         window.forgetEvents();
         QVERIFY(waitFor([&] {
             pressCtrlV();
             return window.pasteCount() > 0;
         }));
-        QCOMPARE(presses.pressed, 3);
+        QCOMPARE(presses.pressed, last);
     }
 
     /// As in a session on X11, where the service is a program of its own.

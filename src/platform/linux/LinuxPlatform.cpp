@@ -71,11 +71,9 @@ void choose(Platform &platform, const Candidates &candidates) {
 
 void useX11(Platform &platform) {
     X11Backends x11(platform.dispatch);
-    KdeBackends kde;
     choose(platform,
            {.pasteboard = {{QStringLiteral("X11 selection"), [&] { return x11.pasteboard(); }}},
-            .hotkeys = {{QStringLiteral("KGlobalAccel"), [&] { return kde.globalAccel(); }},
-                        {QStringLiteral("X11 grabs"), [&] { return x11.hotkeys(); }}},
+            .hotkeys = {{QStringLiteral("X11 grabs"), [&] { return x11.hotkeys(); }}},
             .pasteKeys = {{QStringLiteral("XTEST"), [&] { return x11.pasteKeys(); }}},
             .frontWindow = {{QStringLiteral("X11 focus"), [&] { return x11.frontWindow(); }}},
             .noHotkeys = unavailable<UnavailableHotkeys, Hotkeys>()});
