@@ -98,8 +98,8 @@ ClipboardOwner::ClipboardOwner(const VirtualDesktop &desktop, const QList<OwnedF
         const QString type = flavour.type.isEmpty() ? flavour.name : flavour.type;
         all += {u"--flavour"_s, u"%1>%2=@%3"_s.arg(flavour.name, type, file->fileName())};
     }
-    if (launch(desktop.kind() == DesktopKind::X11 ? QStringLiteral(CLIPBOARD_OWNER_PROGRAM)
-                                                  : QStringLiteral(WAYLAND_CLIPBOARD_OWNER_PROGRAM),
+    if (launch(hasDataControl(desktop.kind()) ? QStringLiteral(WAYLAND_CLIPBOARD_OWNER_PROGRAM)
+                                              : QStringLiteral(CLIPBOARD_OWNER_PROGRAM),
                all))
         waitForEvent(u"owned"_s);
 }

@@ -56,8 +56,8 @@ struct OwnedFlavour {
 };
 
 /// Another program that owns the clipboard. It tells of "owned", "cleared" (someone else owns it
-/// now), "request", "swallowed" and "served"; clipboard_owner.cpp has its arguments, on Wayland
-/// wayland_clipboard_owner.cpp.
+/// now), "request", "swallowed" and "served"; clipboard_owner.cpp has its arguments, with
+/// data-control wayland_clipboard_owner.cpp.
 class ClipboardOwner : public StageProcess {
 public:
     /// Starts it and waits until it owns the clipboard; see ownsClipboard().
