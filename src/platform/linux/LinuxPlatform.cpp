@@ -6,10 +6,12 @@
 #include "platform/linux/Candidates.h"
 #include "platform/linux/DBusNotifications.h"
 #include "platform/linux/DesktopWorkspace.h"
+#include "platform/linux/HotkeyRelease.h"
 #include "platform/linux/SecretServiceStore.h"
 #include "platform/linux/SecureInputs.h"
 #include "platform/linux/SessionLock.h"
 #include "platform/linux/StatusNotifierTrayHost.h"
+#include "platform/portal/PortalBackends.h"
 #include "platform/qt/QtAlerts.h"
 #include "platform/qt/QtChildProcess.h"
 #include "platform/qt/QtDispatch.h"
@@ -93,6 +95,7 @@ Result<std::shared_ptr<Pasteboard>> throughXWayland(const Platform &platform) {
 /// would start XWayland for nothing.
 void useWayland(Platform &platform, WaylandBackends &wayland) {
     KdeBackends kde;
+    PortalBackends portal(platform.dispatch, platform.secretStore);
     Candidates candidates{
         .pasteboard = {{QStringLiteral("data-control"), [&] { return wayland.dataControl(); }},
                        {QStringLiteral("X11 selection"),
@@ -111,6 +114,11 @@ void useWayland(Platform &platform, WaylandBackends &wayland) {
     candidates.frontWindow.push_back(
         {QStringLiteral("Plasma's windows"), [&] { return kwin.plasmaWindows(); }});
 #endif
+    candidates.pasteKeys.push_back(
+        {QStringLiteral("RemoteDesktop portal"), [&] {
+             return portal.remoteDesktop(
+                 std::make_shared<HotkeyRelease>(kde.hold(), platform.dispatch), {});
+         }});
     choose(platform, candidates);
     platform.secureInput = makeSecureInput(platform.dispatch, nullptr);
     platform.trayHost = std::make_shared<StatusNotifierTrayHost>(nullptr);
@@ -134,11 +142,11 @@ void useSession(Platform &platform) {
 Platform makeLinuxPlatform() {
     Platform platform;
     platform.dispatch = std::make_shared<QtDispatch>();
+    platform.secretStore = std::make_shared<SecretServiceStore>(platform.dispatch);
     useSession(platform);
     platform.childProcess = std::make_shared<QtChildProcess>();
     platform.notifications = std::make_shared<DBusNotifications>();
     platform.defaults = std::make_shared<SettingsFile>();
-    platform.secretStore = std::make_shared<SecretServiceStore>(platform.dispatch);
     platform.alerts = std::make_shared<QtAlerts>();
     platform.workspace = std::make_shared<DesktopWorkspace>();
     platform.urlSession = std::make_shared<QtUrlSession>();
