@@ -40,6 +40,12 @@ QString shownHotkey() {
     return hotkeys.unavailableBecause().isEmpty() ? Settings::shared().hotkeyDisplay() : QString();
 }
 
+/// Perhaps the desktop ran it for one of our hotkeys.
+void pasteByCommand() {
+    if (!Platform::current().hotkeys->pressedByCommand())
+        Enrichment::run(true);
+}
+
 QString version() {
     const QString version = QStringLiteral(BRINDLE_VERSION);
     return version.isEmpty() ? QStringLiteral("unknown") : version;
@@ -50,7 +56,7 @@ QString version() {
 Application::Application()
     : m_service([this] { openPreferences(); },
                 {
-                    {QStringLiteral("enrich"), [] { Enrichment::run(true); }},
+                    {QStringLiteral("enrich"), [] { pasteByCommand(); }},
                     {QStringLiteral("enrich-only"), [] { Enrichment::run(false); }},
                     {QStringLiteral("preferences"), [this] { openPreferences(); }},
                     {QStringLiteral("logs"), [this] { openLogs(); }},

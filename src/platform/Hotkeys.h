@@ -44,6 +44,10 @@ public:
     /// Gives every registration back.
     virtual void unbind() = 0;
 
+    /// The program was run to paste, as a key binding of the desktop does. True where hotkeys come
+    /// that way and this was one, which has run `pressed` unless the key only repeats.
+    virtual bool pressedByCommand() { return false; }
+
     /// Nothing where the combination is ours to choose.
     virtual std::optional<DesktopsChoice> desktopsChoice() const { return std::nullopt; }
 

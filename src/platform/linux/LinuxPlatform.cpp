@@ -1,6 +1,7 @@
 #include "platform/linux/LinuxPlatform.h"
 
 #include "platform/Unavailable.h"
+#include "platform/gnome/GnomeBackends.h"
 #include "platform/kde/KdeBackends.h"
 #include "platform/linux/AutostartEntry.h"
 #include "platform/linux/Candidates.h"
@@ -95,13 +96,16 @@ Result<std::shared_ptr<Pasteboard>> throughXWayland(const Platform &platform) {
 /// would start XWayland for nothing.
 void useWayland(Platform &platform, WaylandBackends &wayland) {
     KdeBackends kde;
+    GnomeBackends gnome(platform.dispatch);
     PortalBackends portal(platform.dispatch, platform.secretStore);
     Candidates candidates{
         .pasteboard = {{QStringLiteral("data-control"), [&] { return wayland.dataControl(); }},
                        {QStringLiteral("X11 selection"),
                         [&] { return throughXWayland(platform); }}},
         .hotkeys = {{QStringLiteral("sway IPC"), [&] { return wayland.sway(); }},
-                    {QStringLiteral("KGlobalAccel"), [&] { return kde.globalAccel(); }}},
+                    {QStringLiteral("KGlobalAccel"), [&] { return kde.globalAccel(); }},
+                    {QStringLiteral("GNOME's custom shortcuts"),
+                     [&] { return gnome.customKeybindings(); }}},
         .pasteKeys = {{QStringLiteral("virtual keyboard"),
                        [&] { return wayland.virtualKeyboard(); }}},
         .frontWindow = {{QStringLiteral("foreign toplevel"),
@@ -114,11 +118,13 @@ void useWayland(Platform &platform, WaylandBackends &wayland) {
     candidates.frontWindow.push_back(
         {QStringLiteral("Plasma's windows"), [&] { return kwin.plasmaWindows(); }});
 #endif
-    candidates.pasteKeys.push_back(
-        {QStringLiteral("RemoteDesktop portal"), [&] {
-             return portal.remoteDesktop(
-                 std::make_shared<HotkeyRelease>(kde.hold(), platform.dispatch), {});
-         }});
+    candidates.pasteKeys.push_back({QStringLiteral("RemoteDesktop portal"), [&] {
+                                        auto heldKeys = gnome.heldKeys();
+                                        if (!heldKeys)
+                                            heldKeys = std::make_shared<HotkeyRelease>(
+                                                kde.hold(), platform.dispatch);
+                                        return portal.remoteDesktop(std::move(heldKeys), {});
+                                    }});
     choose(platform, candidates);
     platform.secureInput = makeSecureInput(platform.dispatch, nullptr);
     platform.trayHost = std::make_shared<StatusNotifierTrayHost>(nullptr);
