@@ -175,8 +175,9 @@ private:
         QVariantMap results{{u"devices"_s, keyboard()}};
         const bool asks = !m_tokens.contains(m_offered);
         if (m_traits.versions[u"RemoteDesktop"_s] >= 2 && m_answer != u"allow once") {
-            m_tokens.insert(u"token-%1"_s.arg(m_tokens.size() + 1));
-            results[u"restore_token"_s] = u"token-%1"_s.arg(m_tokens.size());
+            const QString token = u"token-%1"_s.arg(++m_lastToken);
+            m_tokens.insert(token);
+            results[u"restore_token"_s] = token;
         }
         if (asks && m_answer == u"switch off")
             results[u"devices"_s] = 0U;
@@ -241,7 +242,8 @@ private:
     Traits m_traits;
     QString m_answer = u"allow"_s; ///< allow, allow once, deny, switch off, nothing
     QString m_trigger = u"Ctrl+Alt+Super+V"_s;
-    QString m_offered;      ///< the token that came last
+    QString m_offered; ///< the token that came last
+    int m_lastToken = 0;
     QSet<QString> m_tokens; ///< those that are good
     QSet<QString> m_bound, m_known, m_sessions, m_open;
     QMap<QString, QString> m_kinds; ///< the interface of each session
@@ -275,7 +277,7 @@ int main(int argc, char **argv) {
     Portal object(traits, parser.values(u"token"_s));
     QDBusConnection bus = QDBusConnection::sessionBus();
     QFile commands;
-    if (!commands.open(stdin, QIODevice::ReadOnly | QIODevice::Unbuffered))
+    if (!commands.open(fileno(stdin), QIODevice::ReadOnly | QIODevice::Unbuffered))
         return 1;
     QSocketNotifier reader(fileno(stdin), QSocketNotifier::Read);
     QObject::connect(&reader, &QSocketNotifier::activated, &object, [&] {
