@@ -108,3 +108,16 @@ bool ClipboardOwner::ownsClipboard() const {
     return state() == QProcess::Running && events(u"owned"_s).size() == 1 &&
            events(u"cleared"_s).isEmpty();
 }
+
+DesktopPortal::DesktopPortal(const VirtualDesktop &desktop, const QStringList &arguments)
+    : StageProcess(desktop.environment()) {
+    launch(DESKTOP_PORTAL_PROGRAM, arguments);
+    waitForEvent("ready");
+}
+
+QStringList DesktopPortal::done() const {
+    QStringList all;
+    for (const QJsonObject &event : events("did"))
+        all.append(event["what"].toString());
+    return all;
+}

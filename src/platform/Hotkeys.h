@@ -28,6 +28,8 @@ public:
         QString text;
         std::function<void()> openSettings; ///< leads to where it is chosen; may be empty
         QString line = {}; ///< what the user has to put there; empty where nothing is to be typed
+        QString action =
+            {}; ///< the words of the button for `openSettings`, where it leads elsewhere
     };
 
     virtual ~Hotkeys() = default;

@@ -1,6 +1,7 @@
 #include "contract/PasteboardContract.h"
 #include "platform/gnome/CustomKeybindings.h"
 #include "platform/linux/LinuxPlatform.h"
+#include "platform/linux/ProbedKeys.h"
 #include "platform/qt/QtDispatch.h"
 #include "platform/x11/X11Backends.h"
 #include "stage/Actors.h"
@@ -64,9 +65,8 @@ class TestGnome : public QObject {
 private Q_SLOTS:
     void initTestCase() {
         QVERIFY2(m_desktop.problem().isEmpty(), qPrintable(m_desktop.problem()));
-        for (const char *name :
-             {"XDG_RUNTIME_DIR", "XDG_CONFIG_HOME", "XDG_CURRENT_DESKTOP", "WAYLAND_DISPLAY",
-              "DISPLAY", "DBUS_SESSION_BUS_ADDRESS", "HOME"})
+        for (const char *name : {"XDG_RUNTIME_DIR", "XDG_CONFIG_HOME", "XDG_CURRENT_DESKTOP",
+                                 "WAYLAND_DISPLAY", "DISPLAY", "DBUS_SESSION_BUS_ADDRESS", "HOME"})
             qputenv(name, m_desktop.environment().value(name).toLocal8Bit());
         QDBusConnection bus = QDBusConnection::sessionBus();
         QVERIFY(bus.registerObject("/org/ostrowind/brindle", &m_running,
@@ -93,7 +93,8 @@ private Q_SLOTS:
     }
 
     void firesOnceHoweverLongItIsHeld() {
-        const auto probe = std::make_shared<KeyProbe>(std::make_shared<QtDispatch>());
+        const auto probe = std::make_shared<KeyProbe>();
+        ProbedKeys keys(probe, std::make_shared<QtDispatch>());
         CustomKeybindings hotkeys(QString("'%1' paste").arg(BRINDLE_PROGRAM),
                                   QDBusConnection::sessionBus(), probe);
         int presses = 0;
@@ -128,12 +129,11 @@ private Q_SLOTS:
         QCOMPARE(presses, 1);
         timer.restart();
         bool isUp = false;
-        probe->await(
-            [&](int code) { m_keys.tap(code + 8); },
-            [&] {
-                isUp = true;
-                qInfo("up after %lld ms", timer.elapsed());
-            });
+        keys.await([&](int code) { m_keys.tap(code + 8); },
+                   [&] {
+                       isUp = true;
+                       qInfo("up after %lld ms", timer.elapsed());
+                   });
         QVERIFY(waitFor([&] { return isUp; }));
     }
 

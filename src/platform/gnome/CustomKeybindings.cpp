@@ -71,8 +71,6 @@ void listOurs(const QStringList &places) {
 } // namespace
 
 QString CustomKeybindings::problem() {
-    if (!qEnvironmentVariable("XDG_CURRENT_DESKTOP").split(u':').contains(QStringLiteral("GNOME")))
-        return QStringLiteral("the desktop is not GNOME");
     if (!GnomeSettings::open(KeyHolders::mediaKeys))
         return QStringLiteral("the settings of GNOME's shortcuts are not installed");
     return {};
@@ -120,23 +118,24 @@ void CustomKeybindings::write(const QList<KeyCombo> &all) {
         shortcuts.append({placeOf(static_cast<int>(shortcuts.size())),
                           QStringLiteral("Brindle: Enrich & Paste"), m_command,
                           Accelerators::of(combo)});
-    shortcuts.append({placeOfProbe, QStringLiteral("Brindle: no key is held"),
-                      QStringLiteral("gdbus call --session --dest %1 --object-path %2 --method "
-                                     "org.ostrowind.brindle.Keys.AreUp")
-                          .arg(m_bus.baseService(), objectPath),
-                      KeyProbe::accelerator});
+    if (m_probe->isWanted)
+        shortcuts.append({placeOfProbe, QStringLiteral("Brindle: no key is held"),
+                          QStringLiteral("gdbus call --session --dest %1 --object-path %2 --method "
+                                         "org.ostrowind.brindle.Keys.AreUp")
+                              .arg(m_bus.baseService(), objectPath),
+                          QString::fromLatin1(KeyProbe::trigger)});
     QStringList places;
     for (const Shortcut &shortcut : std::as_const(shortcuts)) {
         put(shortcut);
         places.append(shortcut.place);
     }
     listOurs(places);
-    m_probe->arm();
+    m_probe->isBound = m_probe->isWanted;
 }
 
 void CustomKeybindings::unbind() {
     m_pressed = nullptr;
-    m_probe->disarm();
+    m_probe->isBound = false;
     listOurs({});
     for (const QString &place : ourPlaces()) {
         if (auto settings = GnomeSettings::open(KeyHolders::customKeybinding, place)) {
@@ -157,7 +156,8 @@ bool CustomKeybindings::pressedByCommand() {
 }
 
 void CustomKeybindings::AreUp() {
-    m_probe->answered();
+    if (m_probe->fired)
+        m_probe->fired();
 }
 
 std::optional<quint32> CustomKeybindings::virtualKey(quint32 nativeScanCode) const {

@@ -24,17 +24,17 @@ QString pasteCommand() {
 
 } // namespace
 
-GnomeBackends::GnomeBackends(std::shared_ptr<Dispatch> dispatch)
-    : m_dispatch(std::move(dispatch)) {}
-
-Result<std::shared_ptr<Hotkeys>> GnomeBackends::customKeybindings() {
-    if (const QString problem = CustomKeybindings::problem(); !problem.isEmpty())
-        return Result<std::shared_ptr<Hotkeys>>::failure(problem);
-    m_probe = std::make_shared<KeyProbe>(m_dispatch);
-    return std::shared_ptr<Hotkeys>(std::make_shared<CustomKeybindings>(
-        pasteCommand(), QDBusConnection::sessionBus(), m_probe));
+bool GnomeBackends::isDesktop() {
+    return qEnvironmentVariable("XDG_CURRENT_DESKTOP")
+        .split(u':')
+        .contains(QStringLiteral("GNOME"));
 }
 
-std::shared_ptr<HeldKeys> GnomeBackends::heldKeys() const {
-    return m_probe;
+Result<std::shared_ptr<Hotkeys>> GnomeBackends::customKeybindings(std::shared_ptr<KeyProbe> probe) {
+    const QString problem =
+        isDesktop() ? CustomKeybindings::problem() : QStringLiteral("the desktop is not GNOME");
+    if (!problem.isEmpty())
+        return Result<std::shared_ptr<Hotkeys>>::failure(problem);
+    return std::shared_ptr<Hotkeys>(std::make_shared<CustomKeybindings>(
+        pasteCommand(), QDBusConnection::sessionBus(), std::move(probe)));
 }

@@ -1,25 +1,18 @@
 #pragma once
 
 #include "model/Result.h"
-#include "platform/Dispatch.h"
 #include "platform/Hotkeys.h"
-#include "platform/linux/HeldKeys.h"
+#include "platform/linux/KeyProbe.h"
 
 #include <memory>
 
-class KeyProbe;
-
 /// What GNOME offers; the reason where it offers it not. Main thread.
-class GnomeBackends {
-public:
-    explicit GnomeBackends(std::shared_ptr<Dispatch> dispatch);
+namespace GnomeBackends {
 
-    Result<std::shared_ptr<Hotkeys>> customKeybindings();
+/// Whether the session is GNOME's.
+bool isDesktop();
 
-    /// Tells when no key is held; null as long as there are no hotkeys of customKeybindings().
-    std::shared_ptr<HeldKeys> heldKeys() const;
+/// `probe` goes along with the hotkeys if it is wanted.
+Result<std::shared_ptr<Hotkeys>> customKeybindings(std::shared_ptr<KeyProbe> probe);
 
-private:
-    std::shared_ptr<Dispatch> m_dispatch;
-    std::shared_ptr<KeyProbe> m_probe;
-};
+} // namespace GnomeBackends

@@ -32,7 +32,7 @@ public:
         return true;
     }
 
-    bool isHeld() const { return m_isHeld; }
+    bool isHeld() const { return m_isHeld && Clock::now() - m_lastPress < m_longestRepeatDelay; }
     /// When it was let go of last.
     Clock::time_point lastRelease() const { return m_lastRelease; }
 

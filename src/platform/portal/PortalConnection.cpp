@@ -24,6 +24,10 @@ bool isMissing(const QDBusMessage &answer) {
            type == QDBusError::UnknownObject;
 }
 
+bool isAbsent(const QDBusMessage &answer) {
+    return QDBusError(answer).type() == QDBusError::ServiceUnknown;
+}
+
 } // namespace
 
 QString PortalConnection::problem() {
@@ -80,7 +84,8 @@ void PortalConnection::introduce() {
         QStringLiteral("org.freedesktop.DBus"), QStringLiteral("StartServiceByName"));
     start << service << 0U;
     send(start, longestStart, [this](const QDBusMessage &started) {
-        if (started.type() == QDBusMessage::ErrorMessage) {
+        // One that runs need not be one that the bus could start.
+        if (started.type() == QDBusMessage::ErrorMessage && !isAbsent(started)) {
             introduced(started);
             return;
         }
@@ -90,7 +95,8 @@ void PortalConnection::introduce() {
         send(name, longestAnswer, [this](const QDBusMessage &answer) {
             // Whoever is silent now would be silent to every other call. An older portal finds out
             // by itself who we are.
-            const bool isSilent = QDBusError(answer).type() == QDBusError::NoReply;
+            const bool isSilent =
+                QDBusError(answer).type() == QDBusError::NoReply || isAbsent(answer);
             const bool isRefused =
                 answer.type() == QDBusMessage::ErrorMessage && !isSilent && !isMissing(answer);
             m_registrationProblem = isRefused ? answer.errorMessage() : QString();
