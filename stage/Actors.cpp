@@ -98,8 +98,8 @@ ClipboardOwner::ClipboardOwner(const VirtualDesktop &desktop, const QList<OwnedF
         const QString type = flavour.type.isEmpty() ? flavour.name : flavour.type;
         all += {u"--flavour"_s, u"%1>%2=@%3"_s.arg(flavour.name, type, file->fileName())};
     }
-    if (launch(desktop.kind() == DesktopKind::X11 ? QStringLiteral(CLIPBOARD_OWNER_PROGRAM)
-                                                  : QStringLiteral(WAYLAND_CLIPBOARD_OWNER_PROGRAM),
+    if (launch(hasDataControl(desktop.kind()) ? QStringLiteral(WAYLAND_CLIPBOARD_OWNER_PROGRAM)
+                                              : QStringLiteral(CLIPBOARD_OWNER_PROGRAM),
                all))
         waitForEvent(u"owned"_s);
 }
@@ -107,4 +107,17 @@ ClipboardOwner::ClipboardOwner(const VirtualDesktop &desktop, const QList<OwnedF
 bool ClipboardOwner::ownsClipboard() const {
     return state() == QProcess::Running && events(u"owned"_s).size() == 1 &&
            events(u"cleared"_s).isEmpty();
+}
+
+DesktopPortal::DesktopPortal(const VirtualDesktop &desktop, const QStringList &arguments)
+    : StageProcess(desktop.environment()) {
+    launch(DESKTOP_PORTAL_PROGRAM, arguments);
+    waitForEvent("ready");
+}
+
+QStringList DesktopPortal::done() const {
+    QStringList all;
+    for (const QJsonObject &event : events("did"))
+        all.append(event["what"].toString());
+    return all;
 }

@@ -47,6 +47,17 @@ private:
     TargetKind m_kind;
 };
 
+/// The desktop's portal, with a user who answers its dialogs. It tells of what it did; see
+/// desktop_portal.cpp for its arguments and commands.
+class DesktopPortal : public StageProcess {
+public:
+    /// Starts it and waits until it is on the bus.
+    DesktopPortal(const VirtualDesktop &desktop, const QStringList &arguments);
+
+    /// What it did since forgetEvents(), in its words.
+    QStringList done() const;
+};
+
 /// One flavour of a ClipboardOwner.
 struct OwnedFlavour {
     QString name;
@@ -56,8 +67,8 @@ struct OwnedFlavour {
 };
 
 /// Another program that owns the clipboard. It tells of "owned", "cleared" (someone else owns it
-/// now), "request", "swallowed" and "served"; clipboard_owner.cpp has its arguments, on Wayland
-/// wayland_clipboard_owner.cpp.
+/// now), "request", "swallowed" and "served"; clipboard_owner.cpp has its arguments, with
+/// data-control wayland_clipboard_owner.cpp.
 class ClipboardOwner : public StageProcess {
 public:
     /// Starts it and waits until it owns the clipboard; see ownsClipboard().

@@ -93,10 +93,13 @@ QString DesktopHome::write(const QString &name, const QByteArray &content) {
 void DesktopHome::fail(const QString &program, const QString &what) {
     if (!m_problem.isEmpty()) // the first one is the cause
         return;
+    m_problem =
+        u"%1 %2\n%3"_s.arg(program, what, QString::fromLocal8Bit(said(program).right(2000)));
+}
+
+QByteArray DesktopHome::said(const QString &program) const {
     QFile log(logOf(program));
-    const QByteArray said =
-        log.open(QIODevice::ReadOnly) ? log.readAll().right(2000) : QByteArray();
-    m_problem = u"%1 %2\n%3"_s.arg(program, what, QString::fromLocal8Bit(said));
+    return log.open(QIODevice::ReadOnly) ? log.readAll() : QByteArray();
 }
 
 QString DesktopHome::logOf(const QString &program) const {

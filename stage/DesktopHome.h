@@ -31,6 +31,8 @@ public:
     /// Waits until the program has written its first line, which is returned; empty (see
     /// problem()) if it ends before or takes too long.
     QString firstLine(const StageProcess &program);
+    /// What the program of that name has written to its log.
+    QByteArray said(const QString &program) const;
     /// Writes a file, in folders that are made for it; its path.
     QString write(const QString &name, const QByteArray &content);
     /// Notes that the program did not do its part; only the first note counts.

@@ -5,10 +5,17 @@
 
 /// What shows windows on a VirtualDesktop and reads its keyboard.
 enum class DesktopKind {
-    X11,  ///< an X server
-    Sway, ///< a Wayland compositor, with XWayland
-    KWin, ///< KDE's one, with XWayland
+    X11,   ///< an X server
+    Sway,  ///< a Wayland compositor, with XWayland
+    KWin,  ///< KDE's one, with XWayland
+    Gnome, ///< GNOME's one, with XWayland and the daemon of its key bindings
 };
+
+/// Whether programs without a window reach the clipboard through the compositor; where they don't,
+/// they do through the X server.
+constexpr bool hasDataControl(DesktopKind kind) {
+    return kind == DesktopKind::Sway || kind == DesktopKind::KWin;
+}
 
 /// What a VirtualDesktop is made of.
 struct DesktopOptions {
@@ -23,6 +30,8 @@ struct DesktopOptions {
     bool notifications = false;
     /// A secret service with an unlocked default collection (needs the bus).
     bool keyring = false;
+    /// GNOME: the desktop's portals, which ask the user on its screen (needs the bus).
+    bool portal = false;
     /// Programs publish their widgets to assistive technology (needs the bus).
     bool accessibility = false;
     /// Folders of service files that the bus may start programs from.

@@ -1,6 +1,8 @@
 #include "stage/VirtualDesktop.h"
 
+#include "stage/GnomeCompositor.h"
 #include "stage/KWinCompositor.h"
+#include "stage/MessageBus.h"
 #include "stage/SwayCompositor.h"
 #include "stage/XScreen.h"
 
@@ -9,22 +11,6 @@
 using namespace Qt::StringLiterals;
 
 namespace {
-
-constexpr char busConfig[] = R"(<!DOCTYPE busconfig PUBLIC
- "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
- "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
-<busconfig>
-  <type>session</type>
-  <listen>unix:path=%1</listen>
-  <auth>EXTERNAL</auth>
-  %2
-  <policy context="default">
-    <allow send_destination="*" eavesdrop="true"/>
-    <allow eavesdrop="true"/>
-    <allow own="*"/>
-  </policy>
-</busconfig>
-)";
 
 constexpr char dunstConfig[] = R"([global]
     monitor = 0
@@ -39,6 +25,8 @@ std::unique_ptr<Screen> makeScreen(DesktopHome &home, const DesktopOptions &opti
         return std::make_unique<SwayCompositor>(home, options);
     case DesktopKind::KWin:
         return std::make_unique<KWinCompositor>(home, options);
+    case DesktopKind::Gnome:
+        return std::make_unique<GnomeCompositor>(home, options);
     case DesktopKind::X11:
         break;
     }
@@ -69,15 +57,7 @@ QString VirtualDesktop::waylandSocket() const {
 }
 
 void VirtualDesktop::beginBus(const QStringList &serviceFolders) {
-    QString folders;
-    for (const QString &folder : serviceFolders)
-        folders += u"<servicedir>%1</servicedir>"_s.arg(folder.toHtmlEscaped());
-    const QString config =
-        QString::fromLatin1(busConfig).arg(m_home.path() + u"/run/bus"_s, folders);
-    const StageProcess *daemon = m_home.begin(
-        u"dbus-daemon"_s, {u"--config-file="_s + m_home.write(u"bus.conf"_s, config.toUtf8()),
-                           u"--nofork"_s, u"--print-address"_s});
-    m_busAddress = m_home.firstLine(*daemon);
+    m_busAddress = beginMessageBus(m_home, u"bus"_s, serviceFolders);
     if (m_busAddress.isEmpty())
         return;
     m_home.environment().insert(u"DBUS_SESSION_BUS_ADDRESS"_s, m_busAddress);

@@ -7,6 +7,9 @@
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusObjectPath>
 
 #include <fake-input.h>
 #include <virtual-keyboard-unstable-v1.h>
@@ -112,12 +115,46 @@ private:
     org_kde_kwin_fake_input *m_input;
 };
 
+/// A device of a session that remote desktops open, where the shell asks nobody. Needs the bus.
+class GnomeKeys : public Keys {
+public:
+    GnomeKeys() {
+        const QDBusMessage made = call(rootPath, mutter, u"CreateSession"_s);
+        m_session = made.arguments().value(0).value<QDBusObjectPath>().path();
+        if (m_session.isEmpty() ||
+            call(m_session, session, u"Start"_s).type() != QDBusMessage::ReplyMessage)
+            m_session.clear();
+    }
+
+    bool isOpen() const { return !m_session.isEmpty(); }
+
+    void stroke(uint32_t code, bool isPress) override {
+        call(m_session, session, u"NotifyKeyboardKeycode"_s, {code, isPress});
+    }
+
+private:
+    QDBusMessage call(const QString &path, const QString &interface, const QString &method,
+                      const QVariantList &arguments = {}) {
+        QDBusMessage message = QDBusMessage::createMethodCall(mutter, path, interface, method);
+        message.setArguments(arguments);
+        return m_bus.call(message);
+    }
+
+    const QString mutter = u"org.gnome.Mutter.RemoteDesktop"_s;
+    const QString session = mutter + u".Session"_s;
+    const QString rootPath = u"/org/gnome/Mutter/RemoteDesktop"_s;
+    QDBusConnection m_bus = QDBusConnection::sessionBus();
+    QString m_session;
+};
+
 std::unique_ptr<Keys> makeKeys(CompositorConnection &compositor, const QStringList &layouts) {
     if (void *manager = compositor.bind(zwp_virtual_keyboard_manager_v1_interface, 1))
         return std::make_unique<WlrootsKeys>(
             static_cast<zwp_virtual_keyboard_manager_v1 *>(manager), compositor.seat(), layouts);
     if (void *input = compositor.bind(org_kde_kwin_fake_input_interface, 4))
         return std::make_unique<KWinKeys>(static_cast<org_kde_kwin_fake_input *>(input));
+    if (auto keys = std::make_unique<GnomeKeys>(); keys->isOpen())
+        return keys;
     return nullptr;
 }
 

@@ -6,7 +6,8 @@ BUILD_PACKAGES="g++ cmake ninja-build pkg-config qt6-base-dev libxcb1-dev libxcb
 DEMO_PACKAGES="xvfb openbox dbus-daemon openssl fonts-dejavu-core fonts-noto-color-emoji"
 TEST_PACKAGES="$DEMO_PACKAGES clang-format xserver-xephyr xdotool dunst gnome-keyring gcr at-spi2-core
     dbus x11-xserver-utils x11-xkb-utils python3 libsecret-tools trayer sway kwin-wayland
-    xwayland foot wl-clipboard python3-gi gir1.2-gtk-3.0"
+    xwayland foot wl-clipboard python3-gi gir1.2-gtk-3.0 gnome-shell gnome-settings-daemon
+    dconf-gsettings-backend xdg-desktop-portal-gnome"
 FUZZ_PACKAGES="clang libclang-rt-dev"
 
 # ensure_packages NAME...: installs those that are missing, as root or through sudo.

@@ -35,9 +35,17 @@ QList<KeyCombo> hotkeys() {
 /// The primary hotkey, as the user reads it; empty where the desktop has it and does not tell.
 QString shownHotkey() {
     const Hotkeys &hotkeys = *Platform::current().hotkeys;
+    if (!hotkeys.unavailableBecause().isEmpty())
+        return {};
     if (const auto choice = hotkeys.desktopsChoice())
         return choice->line.isEmpty() ? choice->text : QString();
-    return hotkeys.unavailableBecause().isEmpty() ? Settings::shared().hotkeyDisplay() : QString();
+    return Settings::shared().hotkeyDisplay();
+}
+
+/// Perhaps the desktop ran it for one of our hotkeys.
+void pasteByCommand() {
+    if (!Platform::current().hotkeys->pressedByCommand())
+        Enrichment::run(true);
 }
 
 QString version() {
@@ -50,7 +58,7 @@ QString version() {
 Application::Application()
     : m_service([this] { openPreferences(); },
                 {
-                    {QStringLiteral("enrich"), [] { Enrichment::run(true); }},
+                    {QStringLiteral("enrich"), [] { pasteByCommand(); }},
                     {QStringLiteral("enrich-only"), [] { Enrichment::run(false); }},
                     {QStringLiteral("preferences"), [this] { openPreferences(); }},
                     {QStringLiteral("logs"), [this] { openLogs(); }},
@@ -75,6 +83,9 @@ void Application::finishLaunching() {
     log(QStringLiteral("app: launched (version %1)").arg(version()));
     for (const QString &choice : std::as_const(Platform::current().choices))
         log(QStringLiteral("platform: ") + choice);
+    Platform::current().lateChoices->tell = [](const QString &choice) {
+        log(QStringLiteral("platform: ") + choice);
+    };
     Platform::current().defaults->onProblem(
         [](const QString &problem) { log(QStringLiteral("settings: ") + problem); });
     m_statusItem = std::make_unique<StatusItem>(StatusItem::Actions{
@@ -87,6 +98,9 @@ void Application::finishLaunching() {
         [] { QApplication::quit(); },
     });
     refreshStatusItemImage();
+    // The desktop may answer late, or have changed its mind.
+    QObject::connect(&HotkeyManager::shared(), &HotkeyManager::installed, m_statusItem.get(),
+                     [this] { m_statusItem->setHotkey(shownHotkey()); });
     reinstallHotkey();
     askForMissingCredentials();
 }

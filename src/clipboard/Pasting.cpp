@@ -45,7 +45,9 @@ void pasteThroughProgram(const Done &done) {
     const auto start = platform.dispatch->now();
     const auto paste = platform.pasteKeys->scriptedPaste();
     if (!paste) {
-        done({false, QStringLiteral("nothing here can press keys"), start});
+        const QString reason = platform.pasteKeys->access().reason;
+        done({false, reason.isEmpty() ? QStringLiteral("nothing here can press keys") : reason,
+              start});
         return;
     }
     const QString name = QFileInfo(paste->program).fileName();

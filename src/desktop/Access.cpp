@@ -23,6 +23,10 @@ bool Access::needsConsent() {
     return Platform::current().pasteKeys->access().state == PasteAccess::State::NeedsConsent;
 }
 
+QString Access::consentOffer() {
+    return Platform::current().pasteKeys->access().offer;
+}
+
 void Access::askForConsent(std::function<void()> done) {
     log(QStringLiteral("access: asking for permission to paste"));
     Platform::current().pasteKeys->requestAccess(

@@ -17,6 +17,10 @@ QString pasteProblem();
 /// Whether pasting waits for the user's consent.
 bool needsConsent();
 
+/// The words of a button that has the desktop ask the user for it; empty where there is nothing to
+/// ask.
+QString consentOffer();
+
 /// Has the desktop ask the user for it; what comes of it is logged. Only when the user has asked
 /// for that.
 void askForConsent(std::function<void()> done);

@@ -51,7 +51,7 @@ void finish(const Pasting::Outcome &outcome, qint64 expectedChangeCount) {
 
 /// The desktop's own question comes first; its settings page is for where it asks none.
 void leadToAccess() {
-    if (Access::needsConsent()) {
+    if (!Access::consentOffer().isEmpty()) {
         Access::askForConsent([] {});
         return;
     }
@@ -76,6 +76,7 @@ void Enrichment::deliverPaste(const QString &notifyText, bool pasteAfter,
         return;
     }
     ClipboardRestorer::markDelivering();
+    Platform::current().pasteKeys->prepare();
     // Looking takes the desktop up to a tenth of a second, which the pause before the keystroke
     // hides.
     Platform::current().secureInput->check(longestLook, [written](SecureInput::Answer answer) {

@@ -28,6 +28,8 @@ public:
         QString text;
         std::function<void()> openSettings; ///< leads to where it is chosen; may be empty
         QString line = {}; ///< what the user has to put there; empty where nothing is to be typed
+        QString action =
+            {}; ///< the words of the button for `openSettings`, where it leads elsewhere
     };
 
     virtual ~Hotkeys() = default;
@@ -43,6 +45,10 @@ public:
 
     /// Gives every registration back.
     virtual void unbind() = 0;
+
+    /// The program was run to paste, as a key binding of the desktop does. True where hotkeys come
+    /// that way and this was one, which has run `pressed` unless the key only repeats.
+    virtual bool pressedByCommand() { return false; }
 
     /// Nothing where the combination is ours to choose.
     virtual std::optional<DesktopsChoice> desktopsChoice() const { return std::nullopt; }

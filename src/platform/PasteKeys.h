@@ -33,6 +33,9 @@ struct PasteAccess {
 
     State state = State::Ready;
     QString reason; ///< empty when ready
+    /// The words of a button that has the desktop ask the user, where it can ask: also where it is
+    /// Impossible only until the user has said yes.
+    QString offer = {};
 };
 
 /// Pressing the paste keys in the application in front. Main thread only. No call waits for another
@@ -45,11 +48,17 @@ public:
     /// As far as is known now.
     virtual PasteAccess access() const = 0;
 
+    /// `changed` is called when access() has changed by itself; an empty function ends that.
+    virtual void onAccessChange(std::function<void()> changed) { Q_UNUSED(changed) }
+
     /// Asks the user for the consent that the desktop wants. Only when the user has asked for it.
     virtual void requestAccess(std::function<void(const PasteAccess &)> done) = 0;
 
     /// The layout in force; nothing when it can't be read or does not matter here.
     virtual std::optional<KeyLayout> layout() = 0;
+
+    /// A paste is certain to come in a moment: opens what would have to be opened first.
+    virtual void prepare() {}
 
     /// Waits until the keys that the user holds would not get into the way of a paste, a second at
     /// most; at once where held keys do no harm.

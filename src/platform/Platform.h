@@ -18,7 +18,13 @@
 
 #include <QStringList>
 
+#include <functional>
 #include <memory>
+
+/// Says what is chosen later than at the start, to whoever wants to know by then.
+struct LateChoices {
+    std::function<void(const QString &)> tell = [](const QString &) {};
+};
 
 /// Every port, in one place. The entry point installs the desktop's, tests install their own; the
 /// ports live until the next install (of none, at the end of the program).
@@ -41,6 +47,8 @@ struct Platform {
 
     /// For the log: which backend serves what, and which were passed over and why.
     QStringList choices = {};
+    /// The same of what can be chosen only when the desktop has answered, from then on.
+    std::shared_ptr<LateChoices> lateChoices = std::make_shared<LateChoices>();
 
     /// The end: calls off whatever is under way and waits until no thread runs any of it. The ports
     /// stay, to be asked for little.

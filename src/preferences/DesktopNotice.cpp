@@ -1,6 +1,7 @@
 #include "preferences/DesktopNotice.h"
 
 #include "desktop/Access.h"
+#include "platform/Platform.h"
 #include "preferences/kit/Button.h"
 #include "preferences/kit/Style.h"
 
@@ -22,23 +23,27 @@ QString problem() {
 
 } // namespace
 
-DesktopNotice::DesktopNotice(QWidget *parent)
-    : QWidget(parent), m_ask(new Button(u"Ask for Permission"_s)) {
+DesktopNotice::DesktopNotice(QWidget *parent) : QWidget(parent), m_ask(new Button({})) {
     auto *row = new QHBoxLayout(this);
     row->setContentsMargins(0, 0, 0, 0);
     row->setSpacing(Style::rowSpacing);
     row->addWidget(&m_line, 1, Qt::AlignVCenter);
     row->addWidget(m_ask, 0, Qt::AlignTop);
     connect(m_ask, &QPushButton::clicked, this, &DesktopNotice::ask);
+    Platform::current().pasteKeys->onAccessChange([notice = QPointer(this)] {
+        if (notice)
+            notice->refresh();
+    });
     refresh();
 }
 
 void DesktopNotice::refresh() {
     QString text = problem();
-    const bool waits = text.isEmpty() && Access::needsConsent();
-    if (waits)
+    if (text.isEmpty() && Access::needsConsent())
         text = u"Pasting needs your permission on this desktop."_s;
-    m_ask->setVisible(waits);
+    const QString offer = Access::clipboardProblem().isEmpty() ? Access::consentOffer() : QString();
+    m_ask->setText(offer);
+    m_ask->setVisible(!offer.isEmpty());
     m_line.setResult(text.isEmpty() ? ResultLine::State::Idle : ResultLine::State::Warning, text);
     setVisible(!text.isEmpty());
 }

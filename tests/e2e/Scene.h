@@ -55,9 +55,9 @@ struct Scene {
         return {{"text/html", "<p>" + text.toUtf8() + "</p>"}, {textName(), text.toUtf8()}};
     }
     QByteArray clipboardData(const QString &name) const {
-        const auto data = desktop.kind() == DesktopKind::X11
-                              ? ClipboardReader(desktop.display()).data(name)
-                              : WaylandClipboardReader(desktop.waylandSocket()).data(name);
+        const auto data = hasDataControl(desktop.kind())
+                              ? WaylandClipboardReader(desktop.waylandSocket()).data(name)
+                              : ClipboardReader(desktop.display()).data(name);
         return data.value_or("(nothing)");
     }
     QString clipboard(const QString &name = {}) const {

@@ -96,6 +96,7 @@ private Q_SLOTS:
             scene.run(pasteAfter);
             QCOMPARE(scene.clipboard(), recordLink);
             QCOMPARE(scene.pasted, pasteAfter ? recordLink : QString());
+            QCOMPARE(scene.pasteKeys->prepared, pasteAfter ? 1 : 0);
             QCOMPARE(scene.notifications->shown.value(0),
                      pasteAfter ? QString() : "Brindle|Clipboard: " + recordLink);
             QVERIFY(scene.alerts->shown.isEmpty());
@@ -188,7 +189,7 @@ private Q_SLOTS:
               Case{"dismissed", 1, State::Ready,
                    "enrich: Accessibility not granted — skipping clipboard mutation"}}) {
             Scene scene;
-            scene.pasteKeys->granted.state = State::NeedsConsent;
+            scene.pasteKeys->granted = {State::NeedsConsent, {}, "Ask"};
             scene.pasteKeys->answered = {answered, "not now"};
             scene.alerts->answer = button;
             scene.run();
@@ -209,20 +210,27 @@ private Q_SLOTS:
         }
     }
 
-    void whereNobodyCanBeAskedTheAlertOpensTheSettings() {
-        const QString tried = "enrich: paste failed (not authorized)";
-        const QString noPage = "enrich: can't open the accessibility settings: no page";
-        for (const auto &[missing, logged] :
-             {std::pair(QString(), tried), std::pair(QString("no page"), noPage)}) {
+    /// What the button of the alert leads to when a paste was refused.
+    void refusedPasteLeadsToTheQuestionElseToTheSettings() {
+        struct Case {
+            QString missing; ///< of the settings page
+            QString offer;   ///< of the desktop
+            QString logged;
+        };
+        for (const auto &[missing, offer, logged] :
+             {Case{{}, {}, "enrich: paste failed (not authorized)"},
+              Case{"no page", {}, "enrich: can't open the accessibility settings: no page"},
+              Case{{}, "Ask", "access: permission to paste given"}}) {
             Scene scene;
+            scene.pasteKeys->granted.offer = offer;
             scene.pasteKeys->canPost = false;
             scene.childProcess->result = {{}, 1, "not authorized"};
             scene.alerts->answer = 0;
             scene.workspace->missing = missing;
             scene.run();
             QCOMPARE(scene.alerts->shown.size(), 1);
-            QCOMPARE(scene.workspace->opened, 1);
-            QCOMPARE(scene.pasteKeys->requests, 0);
+            QCOMPARE(scene.workspace->opened, offer.isEmpty() ? 1 : 0);
+            QCOMPARE(scene.pasteKeys->requests, offer.isEmpty() ? 0 : 1);
             QCOMPARE(scene.takeLog().constLast(), logged);
         }
     }

@@ -98,6 +98,7 @@ public:
         done(granted);
     }
     std::optional<KeyLayout> layout() override { return keys; }
+    void prepare() override { ++prepared; }
     void settle(std::function<void()> done) override {
         events.append(QStringLiteral("settle"));
         done();
@@ -120,6 +121,7 @@ public:
     bool canPost = true;
     std::optional<KeyLayout> keys;
     int requests = 0;
+    int prepared = 0;
     QStringList events; ///< "settle", "paste 9", "paste Shift+9"
     std::function<void()> onPaste;
 };

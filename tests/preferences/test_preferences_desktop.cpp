@@ -132,28 +132,33 @@ private Q_SLOTS:
         using State = PasteAccess::State;
         QTest::addColumn<QString>("clipboard");
         QTest::addColumn<PasteAccess::State>("keys");
+        QTest::addColumn<QString>("offer");
         QTest::addColumn<QString>("line");
-        QTest::newRow("all is well") << QString() << State::Ready << QString();
-        QTest::newRow("no clipboard")
-            << "no server" << State::Ready << "Brindle can't reach the clipboard: no server.";
-        QTest::newRow("no keys") << QString() << State::Impossible << noKeysText;
-        QTest::newRow("neither") << "no server" << State::Impossible
+        const QString ask = "Ask for Permission";
+        QTest::newRow("all is well") << QString() << State::Ready << QString() << QString();
+        QTest::newRow("no clipboard") << "no server" << State::Ready << QString()
+                                      << "Brindle can't reach the clipboard: no server.";
+        QTest::newRow("no keys") << QString() << State::Impossible << QString() << noKeysText;
+        QTest::newRow("no keys yet") << QString() << State::Impossible << ask << noKeysText;
+        QTest::newRow("neither") << "no server" << State::Impossible << QString()
                                  << "Brindle can't reach the clipboard: no server.";
-        QTest::newRow("keys wait") << QString() << State::NeedsConsent << consentText;
-        QTest::newRow("no clipboard, keys wait") << "no server" << State::NeedsConsent
+        QTest::newRow("keys wait") << QString() << State::NeedsConsent << ask << consentText;
+        QTest::newRow("no clipboard, keys wait") << "no server" << State::NeedsConsent << ask
                                                  << "Brindle can't reach the clipboard: no server.";
     }
     void whatIsMissingIsToldInOneLine() {
         QFETCH(QString, clipboard);
         QFETCH(PasteAccess::State, keys);
+        QFETCH(QString, offer);
         QFETCH(QString, line);
         PreferencesScene scene;
         QCOMPARE(notice(*scene.view), QString());
         scene.pasteboard->unavailable = clipboard;
-        scene.pasteKeys->granted = {keys, "no keys today"};
+        scene.pasteKeys->granted = {keys, "no keys today", offer};
         showAgain(*scene.view);
         QCOMPARE(notice(*scene.view), line);
-        QCOMPARE(scene.find<QPushButton>("Ask for Permission") != nullptr, line == consentText);
+        QCOMPARE(scene.find<QPushButton>("Ask for Permission") != nullptr,
+                 !offer.isEmpty() && clipboard.isEmpty());
         QCOMPARE(scene.pasteKeys->requests, 0); // nobody is asked by surprise
     }
 
@@ -173,7 +178,7 @@ private Q_SLOTS:
         QFETCH(QString, line);
         QFETCH(QString, logged);
         PreferencesScene scene;
-        scene.pasteKeys->granted = {PasteAccess::State::NeedsConsent, {}};
+        scene.pasteKeys->granted = {PasteAccess::State::NeedsConsent, {}, "Ask for Permission"};
         scene.pasteKeys->answered = {answer, "no keys today"};
         showAgain(*scene.view);
         scene.takeLog();

@@ -10,14 +10,8 @@
 
 namespace {
 
-/// How long a user may go on holding the hotkey before we let go of it for them.
+/// How long a user may go on holding the hotkey.
 constexpr std::chrono::milliseconds longestHold{1000};
-
-/// Between two looks at the hotkey while it is held.
-constexpr std::chrono::milliseconds holdPoll{3};
-
-/// The fingers of a chord come up within this time of the first.
-constexpr std::chrono::milliseconds fingersApart{50};
 
 constexpr uint32_t modifierKeys[] = {KEY_LEFTCTRL, KEY_RIGHTCTRL, KEY_LEFTSHIFT, KEY_RIGHTSHIFT,
                                      KEY_LEFTALT,  KEY_RIGHTALT,  KEY_LEFTMETA,  KEY_RIGHTMETA};
@@ -29,7 +23,9 @@ constexpr uint32_t x11Offset = 8; // X numbers keys by the kernel's code plus th
 FakeInputKeys::FakeInputKeys(std::shared_ptr<WaylandConnection> wayland,
                              std::shared_ptr<const HotkeyHold> hold,
                              std::shared_ptr<Dispatch> dispatch)
-    : m_wayland(std::move(wayland)), m_hold(std::move(hold)), m_dispatch(std::move(dispatch)) {
+    : m_wayland(std::move(wayland)),
+      m_dispatch(std::move(dispatch)),
+      m_release(std::move(hold), m_dispatch) {
     if (access().state != PasteAccess::State::Ready)
         return;
     m_input =
@@ -39,7 +35,7 @@ FakeInputKeys::FakeInputKeys(std::shared_ptr<WaylandConnection> wayland,
 }
 
 FakeInputKeys::~FakeInputKeys() {
-    m_nextLook.cancel();
+    m_deadline.cancel();
 }
 
 PasteAccess FakeInputKeys::access() const {
@@ -64,26 +60,17 @@ std::optional<KeyLayout> FakeInputKeys::layout() {
 }
 
 void FakeInputKeys::settle(std::function<void()> done) {
-    m_nextLook.cancel();
+    m_deadline.cancel();
     m_settled = std::move(done);
-    m_deadline = m_dispatch->now() + longestHold;
     if (!HeldModifiers::areTold(*m_wayland)) {
-        lookAgain();
+        m_release.await({}, [this] {
+            letGo();
+            settled();
+        });
         return;
     }
-    m_nextLook = m_dispatch->at(m_deadline, [this] { settled(); });
+    m_deadline = m_dispatch->after(longestHold, [this] { settled(); });
     m_modifiers = std::make_unique<HeldModifiers>(*m_wayland, [this] { settled(); });
-}
-
-void FakeInputKeys::lookAgain() {
-    const auto now = m_dispatch->now();
-    const auto allUp = m_hold->isHeld() ? m_deadline : m_hold->lastRelease() + fingersApart;
-    if (now < std::min(allUp, m_deadline)) {
-        m_nextLook = m_dispatch->after(holdPoll, [this] { lookAgain(); });
-        return;
-    }
-    letGo();
-    settled();
 }
 
 /// Where nobody tells which modifiers are held, releasing one that is not does nothing, and a later
@@ -98,7 +85,7 @@ void FakeInputKeys::letGo() {
 }
 
 void FakeInputKeys::settled() {
-    m_nextLook.cancel();
+    m_deadline.cancel();
     m_modifiers.reset();
     if (const auto done = std::exchange(m_settled, nullptr))
         done();

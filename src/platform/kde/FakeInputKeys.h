@@ -3,7 +3,7 @@
 #include "platform/Dispatch.h"
 #include "platform/PasteKeys.h"
 #include "platform/kde/HeldModifiers.h"
-#include "platform/linux/HotkeyHold.h"
+#include "platform/linux/HotkeyRelease.h"
 
 struct org_kde_kwin_fake_input;
 
@@ -24,18 +24,16 @@ public:
     std::optional<ScriptedPaste> scriptedPaste() const override;
 
 private:
-    void lookAgain();
     void settled();
     void letGo();
     void key(uint32_t evdevCode, bool isDown);
 
     std::shared_ptr<WaylandConnection> m_wayland;
-    std::shared_ptr<const HotkeyHold> m_hold;
     std::shared_ptr<Dispatch> m_dispatch;
+    HotkeyRelease m_release;
     WaylandObject<org_kde_kwin_fake_input> m_input;
     std::function<void()> m_settled; ///< what waits for the keys to be up
-    Dispatch::Clock::time_point m_deadline;
     std::unique_ptr<HeldModifiers> m_modifiers;
-    WorkItem m_nextLook;
+    WorkItem m_deadline;
     std::shared_ptr<bool> m_alive = std::make_shared<bool>(true);
 };

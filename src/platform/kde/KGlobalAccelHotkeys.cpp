@@ -1,10 +1,10 @@
 #include "platform/kde/KGlobalAccelHotkeys.h"
 
 #include "platform/kde/QtKeys.h"
+#include "platform/linux/BusNames.h"
 #include "platform/linux/KeyCodes.h"
 
 #include <QDBusArgument>
-#include <QDBusConnectionInterface>
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QDBusServiceWatcher>
@@ -57,9 +57,7 @@ QString KGlobalAccelHotkeys::problem(const QDBusConnection &bus) {
     // Elsewhere it may run for some program of KDE's, and grabs nothing or too much.
     if (!qEnvironmentVariable("XDG_CURRENT_DESKTOP").split(u':').contains(QStringLiteral("KDE")))
         return QStringLiteral("the desktop is not Plasma");
-    const QDBusConnectionInterface *names = bus.interface();
-    if (!names || !(names->isServiceRegistered(service).value() ||
-                    names->activatableServiceNames().value().contains(service)))
+    if (!BusNames::isThereOrStartable(bus, service))
         return QStringLiteral("%1 is not on the bus").arg(service);
     return {};
 }

@@ -10,6 +10,7 @@ Result<std::shared_ptr<Hotkeys>> KdeBackends::globalAccel() {
     return std::shared_ptr<Hotkeys>(m_hotkeys);
 }
 
-std::shared_ptr<const HotkeyHold> KdeBackends::hold() const {
-    return m_hotkeys ? m_hotkeys->hold() : std::make_shared<HotkeyHold>();
+std::shared_ptr<const HotkeyHold>
+KdeBackends::holdOr(std::shared_ptr<const HotkeyHold> others) const {
+    return m_hotkeys ? m_hotkeys->hold() : others;
 }

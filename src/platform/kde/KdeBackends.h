@@ -13,8 +13,8 @@ class KdeBackends {
 public:
     Result<std::shared_ptr<Hotkeys>> globalAccel();
 
-    /// Whether the hotkey is held; never, until there are hotkeys.
-    std::shared_ptr<const HotkeyHold> hold() const;
+    /// Whether the hotkey is held; `others` word, until there are hotkeys here.
+    std::shared_ptr<const HotkeyHold> holdOr(std::shared_ptr<const HotkeyHold> others) const;
 
 private:
     std::shared_ptr<KGlobalAccelHotkeys> m_hotkeys;

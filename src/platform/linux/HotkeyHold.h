@@ -8,10 +8,16 @@ class HotkeyHold {
 public:
     using Clock = std::chrono::steady_clock;
 
+    /// A key that is held repeats at shorter intervals than `longestRepeatDelay`. A press after a
+    /// longer one is a new press, even if the release between was not told.
+    explicit HotkeyHold(
+        std::chrono::milliseconds longestRepeatDelay = std::chrono::milliseconds(2500))
+        : m_longestRepeatDelay(longestRepeatDelay) {}
+
     /// A press was told; false if it only repeats the one before.
     bool press() {
         const auto now = Clock::now();
-        const bool isRepeat = m_isHeld && now - m_lastPress < longestRepeatDelay;
+        const bool isRepeat = m_isHeld && now - m_lastPress < m_longestRepeatDelay;
         m_lastPress = now;
         m_isHeld = true;
         return !isRepeat;
@@ -26,15 +32,12 @@ public:
         return true;
     }
 
-    bool isHeld() const { return m_isHeld; }
+    bool isHeld() const { return m_isHeld && Clock::now() - m_lastPress < m_longestRepeatDelay; }
     /// When it was let go of last.
     Clock::time_point lastRelease() const { return m_lastRelease; }
 
 private:
-    /// A key that is held repeats at shorter intervals than this. A press after a longer one is a
-    /// new press, even if the release between was not told.
-    static constexpr std::chrono::milliseconds longestRepeatDelay{2500};
-
+    std::chrono::milliseconds m_longestRepeatDelay;
     bool m_isHeld = false;
     Clock::time_point m_lastPress;
     Clock::time_point m_lastRelease;

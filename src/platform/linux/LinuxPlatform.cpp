@@ -1,15 +1,19 @@
 #include "platform/linux/LinuxPlatform.h"
 
 #include "platform/Unavailable.h"
+#include "platform/gnome/GnomeBackends.h"
 #include "platform/kde/KdeBackends.h"
 #include "platform/linux/AutostartEntry.h"
 #include "platform/linux/Candidates.h"
 #include "platform/linux/DBusNotifications.h"
 #include "platform/linux/DesktopWorkspace.h"
+#include "platform/linux/HotkeyRelease.h"
+#include "platform/linux/ProbedKeys.h"
 #include "platform/linux/SecretServiceStore.h"
 #include "platform/linux/SecureInputs.h"
 #include "platform/linux/SessionLock.h"
 #include "platform/linux/StatusNotifierTrayHost.h"
+#include "platform/portal/PortalBackends.h"
 #include "platform/qt/QtAlerts.h"
 #include "platform/qt/QtChildProcess.h"
 #include "platform/qt/QtDispatch.h"
@@ -89,28 +93,69 @@ Result<std::shared_ptr<Pasteboard>> throughXWayland(const Platform &platform) {
     return X11Backends(platform.dispatch).pasteboard();
 }
 
+const QString portalShortcuts = QStringLiteral("GlobalShortcuts portal");
+
+/// The hotkeys of the portal, which tells only later whether it has any; else the first of `rest`.
+Result<std::shared_ptr<Hotkeys>>
+hotkeysOfPortal(PortalBackends &portal, const Platform &platform,
+                const std::vector<Candidate<Hotkeys>> &rest,
+                const std::function<std::shared_ptr<Hotkeys>(const QString &)> &noHotkeys) {
+    const auto otherwise = [=, late = platform.lateChoices](const QString &reason) {
+        std::vector<Candidate<Hotkeys>> all{
+            {portalShortcuts, [&] { return Result<std::shared_ptr<Hotkeys>>::failure(reason); }}};
+        all.insert(all.end(), rest.begin(), rest.end());
+        QStringList report;
+        auto chosen = chooseFirst<Hotkeys>(QStringLiteral("hotkeys"), all, noHotkeys, report);
+        late->tell(report.constFirst());
+        return chosen;
+    };
+    return portal.globalShortcuts(platform.defaults, CompositorHotkeys({}).desktopsChoice(),
+                                  otherwise);
+}
+
+/// How the portal's keys learn that the user's are up.
+std::shared_ptr<HeldKeys> heldKeysOf(const KdeBackends &kde, const PortalBackends &portal,
+                                     const Platform &platform) {
+    if (GnomeBackends::isDesktop())
+        return std::make_shared<ProbedKeys>(portal.probe(), platform.dispatch);
+    return std::make_shared<HotkeyRelease>(kde.holdOr(portal.hold()), platform.dispatch);
+}
+
 /// But for that X11 is left alone: its grabs and fake keys reach no native window, and a connection
 /// would start XWayland for nothing.
 void useWayland(Platform &platform, WaylandBackends &wayland) {
     KdeBackends kde;
+    PortalBackends portal(platform.dispatch, platform.secretStore);
+    const Candidate<Hotkeys> customShortcuts{
+        QStringLiteral("GNOME's custom shortcuts"),
+        [probe = portal.probe()] { return GnomeBackends::customKeybindings(probe); }};
+    const auto noHotkeys = unavailable<CompositorHotkeys, Hotkeys>();
     Candidates candidates{
         .pasteboard = {{QStringLiteral("data-control"), [&] { return wayland.dataControl(); }},
                        {QStringLiteral("X11 selection"),
                         [&] { return throughXWayland(platform); }}},
         .hotkeys = {{QStringLiteral("sway IPC"), [&] { return wayland.sway(); }},
-                    {QStringLiteral("KGlobalAccel"), [&] { return kde.globalAccel(); }}},
+                    {QStringLiteral("KGlobalAccel"), [&] { return kde.globalAccel(); }},
+                    {portalShortcuts,
+                     [&] {
+                         return hotkeysOfPortal(portal, platform, {customShortcuts}, noHotkeys);
+                     }},
+                    customShortcuts},
         .pasteKeys = {{QStringLiteral("virtual keyboard"),
                        [&] { return wayland.virtualKeyboard(); }}},
         .frontWindow = {{QStringLiteral("foreign toplevel"),
                          [&] { return wayland.foreignToplevel(); }}},
-        .noHotkeys = unavailable<CompositorHotkeys, Hotkeys>()};
+        .noHotkeys = noHotkeys};
 #ifdef BRINDLE_KWIN
     KWinBackends kwin(platform.dispatch, wayland.connection());
     candidates.pasteKeys.push_back(
-        {QStringLiteral("fake input"), [&] { return kwin.fakeInput(kde.hold()); }});
+        {QStringLiteral("fake input"), [&] { return kwin.fakeInput(kde.holdOr(portal.hold())); }});
     candidates.frontWindow.push_back(
         {QStringLiteral("Plasma's windows"), [&] { return kwin.plasmaWindows(); }});
 #endif
+    candidates.pasteKeys.push_back(
+        {QStringLiteral("RemoteDesktop portal"),
+         [&] { return portal.remoteDesktop(heldKeysOf(kde, portal, platform), {}); }});
     choose(platform, candidates);
     platform.secureInput = makeSecureInput(platform.dispatch, nullptr);
     platform.trayHost = std::make_shared<StatusNotifierTrayHost>(nullptr);
@@ -134,11 +179,11 @@ void useSession(Platform &platform) {
 Platform makeLinuxPlatform() {
     Platform platform;
     platform.dispatch = std::make_shared<QtDispatch>();
+    platform.secretStore = std::make_shared<SecretServiceStore>(platform.dispatch);
+    platform.defaults = std::make_shared<SettingsFile>();
     useSession(platform);
     platform.childProcess = std::make_shared<QtChildProcess>();
     platform.notifications = std::make_shared<DBusNotifications>();
-    platform.defaults = std::make_shared<SettingsFile>();
-    platform.secretStore = std::make_shared<SecretServiceStore>(platform.dispatch);
     platform.alerts = std::make_shared<QtAlerts>();
     platform.workspace = std::make_shared<DesktopWorkspace>();
     platform.urlSession = std::make_shared<QtUrlSession>();

@@ -30,7 +30,7 @@ DesktopHotkey::DesktopHotkey(QWidget *parent)
       m_text(new Caption({})),
       m_line(new WrappingText(u"Line to copy"_s)),
       m_copy(new Button(u"Copy"_s)),
-      m_openSettings(new Button(u"Open Shortcut Settings"_s)) {
+      m_openSettings(new Button({})) {
     auto *row = new QHBoxLayout;
     row->setSpacing(Style::rowSpacing);
     row->addWidget(m_line, 1, Qt::AlignVCenter);
@@ -53,6 +53,7 @@ void DesktopHotkey::setChoice(const Hotkeys::DesktopsChoice &choice) {
     const bool hasLine = !choice.line.isEmpty();
     m_line->setVisible(hasLine);
     m_copy->setVisible(hasLine && Access::clipboardProblem().isEmpty());
+    m_openSettings->setText(choice.action.isEmpty() ? u"Open Shortcut Settings"_s : choice.action);
     m_openSettings->setVisible(choice.openSettings != nullptr);
 }
 

@@ -1,0 +1,29 @@
+#pragma once
+
+#include "platform/Dispatch.h"
+#include "platform/linux/HeldKeys.h"
+#include "platform/linux/KeyProbe.h"
+
+#include <memory>
+
+/// Takes the keys for up when the probe fires, which is tapped until then: while a modifier is held
+/// the desktop takes the tap for another combination, which nothing uses. Waits for nothing where
+/// the probe is not bound, and for two seconds at most.
+class ProbedKeys : public HeldKeys {
+public:
+    ProbedKeys(std::shared_ptr<KeyProbe> probe, std::shared_ptr<Dispatch> dispatch);
+    ~ProbedKeys() override;
+
+    void await(const std::function<void(int evdevCode)> &tap, std::function<void()> areUp) override;
+
+private:
+    void tapAgain();
+    void finish();
+
+    std::shared_ptr<KeyProbe> m_probe;
+    std::shared_ptr<Dispatch> m_dispatch;
+    std::function<void(int)> m_tap;
+    std::function<void()> m_areUp;
+    Dispatch::Clock::time_point m_deadline;
+    WorkItem m_next;
+};
