@@ -61,6 +61,7 @@ struct Node {
     }
 
     enum State {
+        active = 1,
         checked = 4,
         editable = 7,
         enabled = 8,
