@@ -1,6 +1,8 @@
 #include "e2e/Consent.h"
 #include "support/Unprivileged.h"
 
+#include <QElapsedTimer>
+
 namespace {
 
 /// The shortcuts in the desktop's settings, as its own tool tells them.
@@ -47,6 +49,41 @@ private Q_SLOTS:
         QVERIFY(paste);
         QCOMPARE(paste->text, recordLink);
         QVERIFY(scene.clipboardBecomes(record));
+    }
+
+    void pastesOnceWhenTheKeysAreUp() {
+        struct Row {
+            int held;    ///< milliseconds
+            int between; ///< the fingers that go up, the letter's first
+            bool pastes = true;
+        };
+        Scene scene(
+            {.keyring = true, .portal = true, .accessibility = true, .kind = DesktopKind::Gnome});
+        scene.start();
+        QVERIFY2(scene.isUp() && answerTheDesktop(scene, true) && scene.openTarget(),
+                 qPrintable(scene.desktop.problem()));
+        for (const auto &[held, between, pastes] :
+             {Row{0, 0}, Row{0, 50}, Row{300, 0}, Row{600, 150}, Row{1000, 0}, Row{1800, 0},
+              Row{2600, 0, false}}) {
+            const QByteArray row = QByteArray::number(held) + " ms, " + QByteArray::number(between);
+            const ClipboardOwner owner(scene.desktop, scene.copied(record));
+            scene.target->forgetEvents();
+            for (const int key : Scene::hotkey())
+                scene.keys.press(key);
+            QTest::qWait(held);
+            while (!scene.keys.held().isEmpty()) {
+                scene.keys.release(scene.keys.held().constLast());
+                QTest::qWait(between);
+            }
+            QElapsedTimer timer;
+            timer.start();
+            QCOMPARE(scene.target->waitForPaste(0, pastes ? 15000 : 500).has_value(), pastes);
+            qInfo("%s: %lld ms", row.constData(), static_cast<long long>(timer.elapsed()));
+            QVERIFY2(scene.clipboardBecomes(record), row);
+            QTest::qWait(1000); // a press that comes sooner could not be told from a repeat
+            QCOMPARE(scene.target->pasteCount(), pastes ? 1 : 0);
+            QCOMPARE(scene.target->typed(), QString());
+        }
     }
 
     void shortcutGoesWithTheProgram() {
