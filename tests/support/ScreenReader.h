@@ -37,7 +37,10 @@ struct Node {
     bool act() const { return call("org.a11y.atspi.Action", "DoAction", {0}).toBool(); }
     QList<Node> children() const {
         QList<Node> found;
-        const auto list = accessible("GetChildren").value<QDBusArgument>();
+        const QVariant answer = accessible("GetChildren");
+        if (!answer.canConvert<QDBusArgument>()) // gone meanwhile
+            return found;
+        const auto list = answer.value<QDBusArgument>();
         for (list.beginArray(); !list.atEnd();) {
             Node child;
             QDBusObjectPath at;
