@@ -205,6 +205,9 @@ void PortalHotkeys::ended() {
 }
 
 std::optional<Hotkeys::DesktopsChoice> PortalHotkeys::desktopsChoice() const {
+    if (m_problem == notAnswered)
+        return DesktopsChoice{QStringLiteral("Waiting for the desktop to give Brindle its hotkey."),
+                              {}};
     if (m_problem == dismissed)
         return DesktopsChoice{QStringLiteral("The desktop gives Brindle no hotkey, as you have "
                                              "dismissed its question."),
