@@ -58,7 +58,8 @@ void render(const QString &text) {
         .summary = text, .isComment = true, .commentText = text, .commentAuthor = text};
     const QString marked = Enrichment::renderTemplate(
         u"{summary} <c>{commenter-name} {commenttext}</c>"_s, values, {}, {});
-    Clipboard::write(marked, u"https://h.example"_s, PasteFormat::RichLink);
+    Clipboard::write(marked, u"https://h.example"_s, PasteFormat::RichLink, std::nullopt,
+                     [](const auto &) {});
     Enrichment::renderConfluenceTemplate(u"{title}"_s, text, {}, {}, {});
 }
 

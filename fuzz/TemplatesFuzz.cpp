@@ -59,7 +59,11 @@ void checkFlavours(FakePlatform &platform, const QString &marked) {
     require(ofRuns == plain, "the runs hold the text");
 
     const QString url = u"https://h.example/?a=\"<'&"_s;
-    const QString written = Clipboard::write(marked, url, PasteFormat::RichLink);
+    bool isDone = false;
+    const QString written =
+        Clipboard::write(marked, url, PasteFormat::RichLink, std::nullopt,
+                         [&](const auto &answer) { isDone = answer.has_value(); });
+    require(isDone, "the link is on the clipboard");
     require(written == plain + u" ("_s + url + u')', "plain text, then the address");
     require(shown(platform.pasteboard->text(PasteboardType::Html).value_or(QString())) == plain,
             "the HTML shows the text");

@@ -2,6 +2,8 @@
 
 #include "storage/Settings.h"
 
+#include <QTimeZone>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -39,7 +41,7 @@ void WrittenRounds::write(Settings &settings, int round) {
     settings.typeEmojiMappings = tableOf(round);
     settings.hotkeyKeyCode = static_cast<quint32>(round);
     settings.displayTemplate = textOf(round);
-    settings.tokenSavedAt = QDateTime::fromSecsSinceEpoch(round, Qt::UTC);
+    settings.tokenSavedAt = QDateTime::fromSecsSinceEpoch(round, QTimeZone::utc());
     settings.commentEmoji = textOf(round);
 }
 

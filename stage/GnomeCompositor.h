@@ -19,6 +19,7 @@ public:
 
 private:
     static void beginSettings(DesktopHome &home, const DesktopOptions &options);
+    static void beginPortal(DesktopHome &home);
     bool beginShell(DesktopHome &home);
     void beginKeyboard(DesktopHome &home);
 

@@ -44,8 +44,7 @@ void StatusItem::refreshImage(bool tokenIsAging, bool isFetching) {
 }
 
 void StatusItem::followHost() {
-    const bool isAvailable = Platform::current().trayHost->isAvailable();
-    if (!isAvailable) {
+    if (!Platform::current().trayHost->isAvailable().value_or(false)) {
         m_trayIcon.reset();
     } else if (!m_trayIcon) {
         // Made only when there is a host: the toolkit never registers an icon that was there first.

@@ -2,6 +2,7 @@
 
 #include "clients/SiteAddress.h"
 #include "model/Text.h"
+#include "model/ViewMatching.h"
 
 #include <QRegularExpression>
 
@@ -54,10 +55,10 @@ std::optional<ConfluenceRef> extractRef(QStringView from, const QString &baseURL
     const QStringView text = Text::trimmedView(from);
     if (!mayBeSpaceLink(text) || !isOnSite(text, baseURL))
         return std::nullopt;
-    QRegularExpressionMatch match = pageLinkPattern().match(text);
+    QRegularExpressionMatch match = ViewMatching::first(pageLinkPattern(), text);
     const bool isBlog = !match.hasMatch();
     if (isBlog)
-        match = blogLinkPattern().match(text);
+        match = ViewMatching::first(blogLinkPattern(), text);
     if (!match.hasMatch())
         return std::nullopt;
     const QString url = text.toString();

@@ -2,6 +2,7 @@
 
 #include "clients/SiteAddress.h"
 #include "model/Text.h"
+#include "model/ViewMatching.h"
 
 #include <QRegularExpression>
 
@@ -37,7 +38,7 @@ bool mayBeIssueLink(QStringView link) {
 }
 
 std::optional<QString> focusedComment(QStringView link) {
-    const QRegularExpressionMatch match = focusedCommentPattern().match(link);
+    const QRegularExpressionMatch match = ViewMatching::first(focusedCommentPattern(), link);
     if (!match.hasMatch())
         return std::nullopt;
     return match.captured(1);
@@ -56,7 +57,7 @@ std::optional<JiraRef> extractRef(QStringView from, const QString &baseURL) {
     const QStringView link = Text::trimmedView(from);
     if (!mayBeIssueLink(link))
         return std::nullopt;
-    const QRegularExpressionMatch match = issueLinkPattern().match(link);
+    const QRegularExpressionMatch match = ViewMatching::first(issueLinkPattern(), link);
     if (!match.hasMatch())
         return std::nullopt;
     const std::optional<SiteAddress> site = SiteAddress::parse(baseURL);

@@ -4,6 +4,7 @@
 #include "clients/ConfluenceClient.h"
 #include "clients/JiraClient.h"
 #include "model/Text.h"
+#include "model/ViewMatching.h"
 
 #include <QList>
 
@@ -60,8 +61,7 @@ bool Enrichment::scanMatches(const QRegularExpression &pattern, QStringView text
                              const CandidateVisitor &visit) {
     if (!pattern.isValid())
         return false;
-    auto matches = pattern.globalMatch(text, 0, QRegularExpression::NormalMatch,
-                                       QRegularExpression::DontCheckSubjectStringMatchOption);
+    auto matches = ViewMatching::all(pattern, text);
     while (matches.hasNext()) {
         const QRegularExpressionMatch match = matches.next();
         if (match.capturedStart(group) >= 0 && visit(match.capturedView(group)))

@@ -4,6 +4,8 @@
 #include "platform/Platform.h"
 #include "platform/wording.h"
 
+#include <QTimeZone>
+
 #include <cmath>
 #include <limits>
 #include <memory>
@@ -64,7 +66,7 @@ std::optional<QDateTime> loadDate(const Defaults &defaults, const QString &key) 
     constexpr double latest = 1e14;
     if (!(seconds > 0 && seconds < latest))
         return std::nullopt;
-    return QDateTime::fromMSecsSinceEpoch(std::llround(seconds * 1000), Qt::UTC);
+    return QDateTime::fromMSecsSinceEpoch(std::llround(seconds * 1000), QTimeZone::utc());
 }
 
 std::unique_ptr<Settings> &slot() {

@@ -6,11 +6,12 @@
 
 #include <QTest>
 
+using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
 namespace {
 
-const QString italicFix = u"ABC-1 \uE000Fix\uE001"_qs;
+const QString italicFix = u"ABC-1 \uE000Fix\uE001"_s;
 
 struct Scene : FakePlatform {
     /// A paste in which the keystroke is just over and the restore due.
@@ -26,7 +27,7 @@ struct Scene : FakePlatform {
         pasteboard->read([](const ClipboardContents &read) { ClipboardRestorer::arm(read); });
     }
 
-    void write(const QString &link = u"link"_qs) {
+    void write(const QString &link = u"link"_s) {
         pasteboard->write({{PasteboardType::String, link.toUtf8()}}, {}, [](const auto &) {});
     }
 
@@ -46,16 +47,16 @@ private Q_SLOTS:
     void link() {
         using Format = PasteFormat;
         const QList<std::tuple<QString, QString, Format, QString, QString>> cases{
-            {u"A & B <c> \"q\" 'a'"_qs, u"https://x/?a=1&b=\"2\""_qs, Format::RichLink,
-             u"A & B <c> \"q\" 'a' (https://x/?a=1&b=\"2\")"_qs,
+            {u"A & B <c> \"q\" 'a'"_s, u"https://x/?a=1&b=\"2\""_s, Format::RichLink,
+             u"A & B <c> \"q\" 'a' (https://x/?a=1&b=\"2\")"_s,
              u"<a href=\"https://x/?a=1&amp;b=&quot;2&quot;\">A &amp; B &lt;c&gt; "
-             u"&quot;q&quot; &#39;a&#39;</a>"_qs},
-            {italicFix, u"u"_qs, Format::RichLink, u"ABC-1 Fix (u)"_qs,
-             u"<a href=\"u\">ABC-1 <i>Fix</i></a>"_qs},
-            {italicFix, u"u"_qs, Format::Markdown, u"[ABC-1 *Fix*](u)"_qs, {}},
-            {u"\uE002[D]\uE003"_qs, u"u)"_qs, Format::Markdown, u"[**[D]**](u))"_qs, {}},
-            {u"%1 %2"_qs, u"%1"_qs, Format::PlainText, u"%1 %2 (%1)"_qs, {}},
-            {italicFix, u"u"_qs, Format::UrlOnly, u"u"_qs, {}},
+             u"&quot;q&quot; &#39;a&#39;</a>"_s},
+            {italicFix, u"u"_s, Format::RichLink, u"ABC-1 Fix (u)"_s,
+             u"<a href=\"u\">ABC-1 <i>Fix</i></a>"_s},
+            {italicFix, u"u"_s, Format::Markdown, u"[ABC-1 *Fix*](u)"_s, {}},
+            {u"\uE002[D]\uE003"_s, u"u)"_s, Format::Markdown, u"[**[D]**](u))"_s, {}},
+            {u"%1 %2"_s, u"%1"_s, Format::PlainText, u"%1 %2 (%1)"_s, {}},
+            {italicFix, u"u"_s, Format::UrlOnly, u"u"_s, {}},
         };
         for (const auto &[text, url, format, plain, html] : cases) {
             FakePlatform platform;
@@ -97,8 +98,8 @@ private Q_SLOTS:
             QString text;
             QString logged;
         };
-        const QString back = u"enrich: original clipboard restored"_qs;
-        const QString kept = u"enrich: clipboard changed since paste — skipping restore"_qs;
+        const QString back = u"enrich: original clipboard restored"_s;
+        const QString kept = u"enrich: clipboard changed since paste — skipping restore"_s;
         const auto fetchesAt = [](int fetch) {
             return [fetch](Scene &scene, int time) {
                 if (time == fetch)
@@ -114,7 +115,7 @@ private Q_SLOTS:
         const auto copiesAt = [](int copy) {
             return [copy](Scene &scene, int time) {
                 if (time == copy)
-                    scene.pasteboard->copyText(u"foreign"_qs);
+                    scene.pasteboard->copyText(u"foreign"_s);
             };
         };
         const auto managerAt = [](int taken) {
@@ -124,20 +125,20 @@ private Q_SLOTS:
             };
         };
         const QList<Case> cases{
-            {"fetched", fetchesAt(10), 500, u"original"_qs, back},
-            {"never fetched", [](Scene &, int) {}, 2000, u"original"_qs, back},
-            {"fetched late", fetchesAt(1200), 1200, u"original"_qs, back},
-            {"long transfer", transfersUntil(900), 900, u"original"_qs, back},
-            {"endless transfer", transfersUntil(9000), 2000, u"original"_qs, back},
-            {"copied in the window", copiesAt(300), 500, u"foreign"_qs, kept},
-            {"copied in the wait", copiesAt(700), 700, u"foreign"_qs, kept},
-            {"manager in the window", managerAt(100), 500, u"original"_qs, back},
-            {"manager in the wait", managerAt(800), 800, u"original"_qs, back},
+            {"fetched", fetchesAt(10), 500, u"original"_s, back},
+            {"never fetched", [](Scene &, int) {}, 2000, u"original"_s, back},
+            {"fetched late", fetchesAt(1200), 1200, u"original"_s, back},
+            {"long transfer", transfersUntil(900), 900, u"original"_s, back},
+            {"endless transfer", transfersUntil(9000), 2000, u"original"_s, back},
+            {"copied in the window", copiesAt(300), 500, u"foreign"_s, kept},
+            {"copied in the wait", copiesAt(700), 700, u"foreign"_s, kept},
+            {"manager in the window", managerAt(100), 500, u"original"_s, back},
+            {"manager in the wait", managerAt(800), 800, u"original"_s, back},
         };
         for (const auto &[name, others, endsAt, text, logged] : cases) {
             Scene scene;
             scene.pasteboard->beUsed({true, scene.dispatch->now() - 20ms, false});
-            scene.paste(u"original"_qs);
+            scene.paste(u"original"_s);
             scene.takeLog();
             int time = 0;
             for (; time <= 2500 && ClipboardRestorer::isDelivering(); time += 10) {
@@ -145,10 +146,9 @@ private Q_SLOTS:
                 if (ClipboardRestorer::isDelivering())
                     scene.dispatch->advance(10ms);
             }
-            QVERIFY2(
-                time >= endsAt && time <= endsAt + 10,
-                qPrintable(
-                    u"%1: %2 instead of %3"_qs.arg(QLatin1String(name)).arg(time).arg(endsAt)));
+            QVERIFY2(time >= endsAt && time <= endsAt + 10,
+                     qPrintable(
+                         u"%1: %2 instead of %3"_s.arg(QLatin1String(name)).arg(time).arg(endsAt)));
             QCOMPARE(name + scene.text(), name + text);
             QCOMPARE(name + scene.takeLog().join(u'|'), name + logged);
         }
@@ -156,33 +156,33 @@ private Q_SLOTS:
 
     void armingAgainKeepsTheOlderSnapshotAndCallsTheRestoreOff() {
         Scene scene;
-        scene.paste(u"user's"_qs);
+        scene.paste(u"user's"_s);
         scene.arm();
-        scene.write(u"link 2"_qs);
+        scene.write(u"link 2"_s);
         scene.dispatch->advance(3s);
-        QCOMPARE(scene.text(), u"link 2"_qs);
+        QCOMPARE(scene.text(), u"link 2"_s);
         ClipboardRestorer::commit(scene.pasteboard->count, scene.dispatch->now());
         scene.dispatch->advance(3s);
-        QCOMPARE(scene.text(), u"user's"_qs);
+        QCOMPARE(scene.text(), u"user's"_s);
     }
 
     void abandoningDropsTheSnapshotAndTheRestore() {
         Scene scene;
-        scene.paste(u"old"_qs);
+        scene.paste(u"old"_s);
         ClipboardRestorer::abandon();
         QVERIFY(!ClipboardRestorer::isDelivering());
-        scene.paste(u"new"_qs);
+        scene.paste(u"new"_s);
         scene.dispatch->advance(3s);
-        QCOMPARE(scene.text(), u"new"_qs);
+        QCOMPARE(scene.text(), u"new"_s);
     }
 
     void theEndGivesBackWhatIsArmed() {
         Scene scene;
-        scene.paste(u"user's"_qs);
+        scene.paste(u"user's"_s);
         ClipboardRestorer::finishNow();
         QCOMPARE(scene.pasteboard->finished->value(0), (PasteboardItem{{"string", {}, "user's"}}));
         scene.dispatch->advance(3s);
-        QCOMPARE(scene.text(), u"link"_qs); // no restore is left to come
+        QCOMPARE(scene.text(), u"link"_s); // no restore is left to come
         ClipboardRestorer::abandon();
         ClipboardRestorer::finishNow();
         QVERIFY(scene.pasteboard->finished->isEmpty());
@@ -200,34 +200,34 @@ private Q_SLOTS:
             QString pressed; ///< empty: another program was to press
         };
         const QList<Case> cases{
-            {State::Ready, true, Kind::Application, {}, {}, u"paste 47"_qs},
-            {State::Ready, true, Kind::Unknown, {}, {}, u"paste 47"_qs},
-            {State::Ready, true, Kind::Terminal, {}, {}, u"paste Shift+47"_qs},
+            {State::Ready, true, Kind::Application, {}, {}, u"paste 47"_s},
+            {State::Ready, true, Kind::Unknown, {}, {}, u"paste 47"_s},
+            {State::Ready, true, Kind::Terminal, {}, {}, u"paste Shift+47"_s},
             {State::NeedsConsent, true, Kind::Application, {}, {}, {}},
             {State::Ready, false, Kind::Application, {}, {}, {}},
             {State::Impossible,
              true,
              Kind::Application,
-             {u"No"_qs, 0, {}},
-             u"Failed to launch keypresser: No"_qs,
+             {u"No"_s, 0, {}},
+             u"Failed to launch keypresser: No"_s,
              {}},
             {State::Impossible,
              true,
              Kind::Application,
              {{}, 1, " not allowed\n"},
-             u"not allowed"_qs,
+             u"not allowed"_s,
              {}},
             {State::Impossible,
              true,
              Kind::Application,
              {{}, 3, "\n"},
-             u"keypresser exited 3"_qs,
+             u"keypresser exited 3"_s,
              {}},
             {State::Impossible,
              true,
              Kind::Application,
              {{}, 4, "\xff\xfe"},
-             u"keypresser exited 4"_qs,
+             u"keypresser exited 4"_s,
              {}},
         };
         for (const auto &[access, canPost, front, program, error, pressed] : cases) {
@@ -245,11 +245,11 @@ private Q_SLOTS:
             QCOMPARE(outcome->ok, error.isEmpty());
             QCOMPARE(outcome->error, error);
             QCOMPARE(platform.pasteKeys->events, pressed.isEmpty()
-                                                     ? QStringList(u"settle"_qs)
+                                                     ? QStringList(u"settle"_s)
                                                      : QStringList({"settle", pressed}));
-            QCOMPARE(platform.childProcess->runs,
-                     pressed.isEmpty() ? QStringList(u"/usr/bin/keypresser ctrl+v"_qs)
-                                       : QStringList());
+            QCOMPARE(platform.childProcess->runs, pressed.isEmpty()
+                                                      ? QStringList(u"/usr/bin/keypresser ctrl+v"_s)
+                                                      : QStringList());
             QCOMPARE(outcome->at - start, access == State::Ready ? 50ms : 0ms);
         }
     }

@@ -3,13 +3,15 @@
 #include "contract/Expectations.h"
 #include "stage/StageProcess.h"
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 using Row =
     std::function<QString(const PasteboardContract::MakePasteboard &, ClipboardNeighbours &)>;
 
-const QString text = u"é — 🐞 <b>"_qs;
-const QString html = u"<p>é — 🐞</p>"_qs;
+const QString text = u"é — 🐞 <b>"_s;
+const QString html = u"<p>é — 🐞</p>"_s;
 
 template <class Answer, class Ask>
 Answer await(const Ask &ask) {
@@ -24,49 +26,48 @@ QString readsWhatOthersCopy(const PasteboardContract::MakePasteboard &make,
     const auto pasteboard = make();
     others.copy(text, html);
     const ClipboardContents rich = PasteboardContract::read(*pasteboard);
-    others.copy(u"plain"_qs, {});
+    others.copy(u"plain"_s, {});
     const ClipboardContents plain = PasteboardContract::read(*pasteboard);
     return Expectations()
-        .equal(u"text"_qs, rich.text.value_or(QString()), text)
-        .equal(u"html"_qs, rich.html.value_or(QString()), html)
-        .holds(u"items"_qs, rich.items && rich.items->value(0).size() >= 2)
-        .equal(u"plain"_qs, plain.text.value_or(QString()), u"plain"_qs)
-        .holds(u"no html"_qs, !plain.html)
-        .holds(u"the count grows"_qs, plain.changeCount > rich.changeCount);
+        .equal(u"text"_s, rich.text.value_or(QString()), text)
+        .equal(u"html"_s, rich.html.value_or(QString()), html)
+        .holds(u"items"_s, rich.items && rich.items->value(0).size() >= 2)
+        .equal(u"plain"_s, plain.text.value_or(QString()), u"plain"_s)
+        .holds(u"no html"_s, !plain.html)
+        .holds(u"the count grows"_s, plain.changeCount > rich.changeCount);
 }
 
 QString isReadByOthers(const PasteboardContract::MakePasteboard &make,
                        ClipboardNeighbours &others) {
     const auto pasteboard = make();
-    others.copy(u"old"_qs, {});
+    others.copy(u"old"_s, {});
     const qint64 before = PasteboardContract::read(*pasteboard).changeCount;
     const auto written = PasteboardContract::write(*pasteboard, text.toUtf8(), html.toUtf8());
     Expectations expect;
-    expect.holds(u"written"_qs, written.has_value())
-        .equal(u"one change"_qs, written ? written->changeCount : -1, before + 1)
-        .holds(u"ours"_qs, pasteboard->use().isOurs)
-        .equal(u"others"_qs, others.paste(), QStringList{text, html})
-        .equal(u"read back"_qs, PasteboardContract::read(*pasteboard).text.value_or(QString()),
+    expect.holds(u"written"_s, written.has_value())
+        .equal(u"one change"_s, written ? written->changeCount : -1, before + 1)
+        .holds(u"ours"_s, pasteboard->use().isOurs)
+        .equal(u"others"_s, others.paste(), QStringList{text, html})
+        .equal(u"read back"_s, PasteboardContract::read(*pasteboard).text.value_or(QString()),
                text);
     PasteboardContract::write(*pasteboard, "only text", {});
-    return expect.equal(u"replaced as a whole"_qs, others.paste(),
-                        QStringList{u"only text"_qs, u"(nothing)"_qs});
+    return expect.equal(u"replaced as a whole"_s, others.paste(),
+                        QStringList{u"only text"_s, u"(nothing)"_s});
 }
 
 QString overwritesNothingItDoesNotKnow(const PasteboardContract::MakePasteboard &make,
                                        ClipboardNeighbours &others) {
     const auto pasteboard = make();
-    others.copy(u"old"_qs, {});
+    others.copy(u"old"_s, {});
     const ClipboardContents old = PasteboardContract::read(*pasteboard);
-    others.copy(u"newer"_qs, {});
+    others.copy(u"newer"_s, {});
     const auto refused = PasteboardContract::write(*pasteboard, "link", {}, old.changeCount);
     Expectations expect;
-    expect.holds(u"refused"_qs, !refused)
-        .equal(u"kept"_qs, others.paste().constFirst(), u"newer"_qs);
+    expect.holds(u"refused"_s, !refused).equal(u"kept"_s, others.paste().constFirst(), u"newer"_s);
     const ClipboardContents newer = PasteboardContract::read(*pasteboard);
     const auto written = PasteboardContract::write(*pasteboard, "link", {}, newer.changeCount);
-    return expect.holds(u"written"_qs, written.has_value())
-        .equal(u"link"_qs, others.paste().constFirst(), u"link"_qs);
+    return expect.holds(u"written"_s, written.has_value())
+        .equal(u"link"_s, others.paste().constFirst(), u"link"_s);
 }
 
 QString givesBackWhatWasThere(const PasteboardContract::MakePasteboard &make,
@@ -78,13 +79,13 @@ QString givesBackWhatWasThere(const PasteboardContract::MakePasteboard &make,
     const auto restored =
         PasteboardContract::restore(*pasteboard, *original.items, link->changeCount);
     Expectations expect;
-    expect.holds(u"restored"_qs, restored.has_value())
-        .equal(u"back"_qs, others.paste(), QStringList{text, html});
+    expect.holds(u"restored"_s, restored.has_value())
+        .equal(u"back"_s, others.paste(), QStringList{text, html});
     const auto again = PasteboardContract::write(*pasteboard, "link", {});
-    others.copy(u"user's own"_qs, {});
+    others.copy(u"user's own"_s, {});
     const auto late = PasteboardContract::restore(*pasteboard, *original.items, again->changeCount);
-    return expect.holds(u"not over a new copy"_qs, !late)
-        .equal(u"the new copy"_qs, others.paste().constFirst(), u"user's own"_qs);
+    return expect.holds(u"not over a new copy"_s, !late)
+        .equal(u"the new copy"_s, others.paste().constFirst(), u"user's own"_s);
 }
 
 QString tellsWhoTakesIt(const PasteboardContract::MakePasteboard &make,
@@ -97,14 +98,14 @@ QString tellsWhoTakesIt(const PasteboardContract::MakePasteboard &make,
     others.paste();
     Expectations expect;
     expect
-        .holds(u"fetched"_qs, waitFor([&] {
+        .holds(u"fetched"_s, waitFor([&] {
                    const PasteboardUse use = pasteboard->use();
                    return use.latest && *use.latest >= before && !use.transferRunning;
                }))
-        .holds(u"told"_qs, waitFor([&] { return news > 0; }))
-        .holds(u"still ours"_qs, pasteboard->use().isOurs);
-    others.copy(u"theirs"_qs, {});
-    expect.holds(u"lost"_qs, waitFor([&] { return !pasteboard->use().isOurs; }));
+        .holds(u"told"_s, waitFor([&] { return news > 0; }))
+        .holds(u"still ours"_s, pasteboard->use().isOurs);
+    others.copy(u"theirs"_s, {});
+    expect.holds(u"lost"_s, waitFor([&] { return !pasteboard->use().isOurs; }));
     pasteboard->onUseChange(nullptr);
     return expect;
 }
@@ -112,23 +113,23 @@ QString tellsWhoTakesIt(const PasteboardContract::MakePasteboard &make,
 QString endsWithTheUsersClipboard(const PasteboardContract::MakePasteboard &make,
                                   ClipboardNeighbours &others) {
     const auto pasteboard = make();
-    others.copy(u"user's"_qs, {});
+    others.copy(u"user's"_s, {});
     const ClipboardContents original = PasteboardContract::read(*pasteboard);
     PasteboardContract::write(*pasteboard, "link", {}, original.changeCount);
-    others.copy(u"newer"_qs, {});
+    others.copy(u"newer"_s, {});
     pasteboard->finish(*original.items);
-    return Expectations().equal(u"a newer copy stays"_qs, others.paste().constFirst(), u"newer"_qs);
+    return Expectations().equal(u"a newer copy stays"_s, others.paste().constFirst(), u"newer"_s);
 }
 
 } // namespace
 
 QMap<QString, Row> PasteboardContract::rows() {
-    return {{u"reads what others copy"_qs, readsWhatOthersCopy},
-            {u"is read by others"_qs, isReadByOthers},
-            {u"overwrites nothing it does not know"_qs, overwritesNothingItDoesNotKnow},
-            {u"gives back what was there"_qs, givesBackWhatWasThere},
-            {u"tells who takes it"_qs, tellsWhoTakesIt},
-            {u"ends with the user's clipboard"_qs, endsWithTheUsersClipboard}};
+    return {{u"reads what others copy"_s, readsWhatOthersCopy},
+            {u"is read by others"_s, isReadByOthers},
+            {u"overwrites nothing it does not know"_s, overwritesNothingItDoesNotKnow},
+            {u"gives back what was there"_s, givesBackWhatWasThere},
+            {u"tells who takes it"_s, tellsWhoTakesIt},
+            {u"ends with the user's clipboard"_s, endsWithTheUsersClipboard}};
 }
 
 ClipboardContents PasteboardContract::read(Pasteboard &pasteboard) {

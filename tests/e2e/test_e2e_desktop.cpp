@@ -2,6 +2,8 @@
 #include "stage/StatusArea.h"
 #include "stage/XConnection.h"
 
+#include <QDBusMessage>
+#include <QDBusVirtualObject>
 #include <QSettings>
 
 #include <atomic>
@@ -38,6 +40,16 @@ QByteArray handedOver(const QString &display, std::atomic<bool> &isThere) {
     }
     return "(never asked)";
 }
+
+/// Takes every call and answers none.
+struct SilentObject : QDBusVirtualObject {
+    bool handleMessage(const QDBusMessage &, const QDBusConnection &) override {
+        return wasAsked = true;
+    }
+    QString introspect(const QString &) const override { return {}; }
+
+    bool wasAsked = false;
+};
 
 /// Whether a window that can be embedded is inside another one. Every window of the toolkit can be,
 /// so this is for displays without a window manager and its frames.
@@ -121,6 +133,28 @@ private Q_SLOTS:
         QVERIFY(waitFor([&] { return area.items().size() == 1; }));
         QVERIFY(area.picture() != plain);
         QCOMPARE(area.toolTip(), "Brindle — token rotation suggested");
+    }
+
+    void panelThatNeverAnswersHoldsNobodyUp() {
+        Scene scene;
+        QDBusConnection bus = scene.desktop.bus();
+        SilentObject panel;
+        const QString name = "org.kde.StatusNotifierWatcher";
+        QVERIFY(bus.registerVirtualObject("/StatusNotifierWatcher", &panel));
+        QVERIFY(bus.registerService(name));
+        scene.start();
+        QVERIFY(scene.isUp());
+        for (int change = 0; change < 60; ++change) // each could cost a second
+            bus.send(QDBusMessage::createSignal("/StatusNotifierWatcher", name,
+                                                "StatusNotifierHostRegistered"));
+        const ClipboardOwner owner(scene.desktop, scene.copied(record));
+        QVERIFY(scene.brindle->activate("enrich-only"));
+        QVERIFY(scene.clipboardBecomes(recordLink));
+        QVERIFY(panel.wasAsked);
+        QVERIFY(bus.unregisterService(name));
+        bus.unregisterObject("/StatusNotifierWatcher");
+        const StatusArea area(bus);
+        QVERIFY(waitFor([&] { return area.items().size() == 1; }));
     }
 
     void iconIsEmbeddedInATrayThatComesLateAndAgain() {

@@ -6,6 +6,7 @@
 
 #include <QTest>
 
+using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
 namespace {
@@ -268,7 +269,7 @@ private Q_SLOTS:
             scene.notifications->shown,
             QStringList(u"Brindle|Couldn't paste: secure keyboard entry is active (a password "
                         u"field or password manager). The enriched link is on your clipboard — "
-                        u"paste it with ⌘V."_qs));
+                        u"paste it with ⌘V."_s));
         QVERIFY(scene.takeLog().contains("enrich: secure keyboard entry active — leaving enriched "
                                          "link for manual paste"));
         QVERIFY(scene.pasteKeys->events.isEmpty());

@@ -323,7 +323,7 @@ private:
 /// A desktop without a place for icons.
 class FakeTrayHost : public TrayHost {
 public:
-    bool isAvailable() override { return false; }
+    std::optional<bool> isAvailable() const override { return false; }
     void onChange(std::function<void()>) override {}
 };
 

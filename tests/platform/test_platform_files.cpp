@@ -10,6 +10,8 @@
 
 #include <sys/resource.h>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 QByteArray contentOf(const QString &path) {
@@ -107,15 +109,15 @@ private Q_SLOTS:
         QTest::newRow("no setting") << sound + "this is no setting\n\xff\xfe"
                                     << "ann" << true;
         QTest::newRow("not UTF-8")
-            << QByteArray("[General]\njiraEmail=J\xfcrgen\n") << u"J\uFFFDrgen"_qs << true;
+            << QByteArray("[General]\njiraEmail=J\xfcrgen\n") << u"J\uFFFDrgen"_s << true;
         QTest::newRow("not UTF-8, another key") << sound + "l=\xfc\n"
                                                 << "ann" << true;
         QTest::newRow("half a character at the end") << sound + "l=\xc3"
                                                      << "ann" << true;
         QTest::newRow("a pair") << QByteArray("jiraEmail=\\xd83d\\xdc1e\n") << "🐞" << false;
-        QTest::newRow("half a pair") << QByteArray("jiraEmail=a\\xdddd\n") << u"a\uFFFD"_qs << true;
+        QTest::newRow("half a pair") << QByteArray("jiraEmail=a\\xdddd\n") << u"a\uFFFD"_s << true;
         QTest::newRow("half a pair in pieces")
-            << QByteArray("jiraEmail=a\\xd83d, \\xdc1e\n") << u"a\uFFFD, \uFFFD"_qs << true;
+            << QByteArray("jiraEmail=a\\xd83d, \\xdc1e\n") << u"a\uFFFD, \uFFFD"_s << true;
     }
     /// What can't be read is told of and kept aside, and the rest stays as it was read.
     void damage() {

@@ -6,6 +6,8 @@
 #include <QClipboard>
 #include <QMimeData>
 
+using namespace Qt::StringLiterals;
+
 using Scene = EditorScene;
 
 class TestPreferencesEditor : public QObject {
@@ -34,7 +36,7 @@ private Q_SLOTS:
         };
         for (const auto &[before, after, caretAfter] :
              {Insertion{"ab", "a{type}b", 7}, Insertion{"{b", "{type}b", 6},
-              Insertion{u"\U0001F41Bb"_qs, u"\U0001F41B{type}b"_qs, 8}}) {
+              Insertion{u"\U0001F41Bb"_s, u"\U0001F41B{type}b"_s, 8}}) {
             scene.view->setPlainText(before);
             scene.key(Qt::Key_Home);
             scene.key(Qt::Key_Right); // past an emoji, one character

@@ -4,6 +4,8 @@
 #include <QApplication>
 #include <QLineEdit>
 
+using namespace Qt::StringLiterals;
+
 using Scene = PreferencesScene;
 
 class TestPreferencesEmoji : public QObject {
@@ -37,7 +39,7 @@ private Q_SLOTS:
         QTest::keyClicks(comment, "c");
         scene.click(scene.find<QAbstractButton>("Reset to defaults"));
         QCOMPARE(Settings::shared().typeEmojiMappings(), Settings::defaultTypeEmojiMappings());
-        QCOMPARE(scene.all<EmojiField>("Emoji").first()->text(), u"\U0001F41B"_qs);
+        QCOMPARE(scene.all<EmojiField>("Emoji").first()->text(), u"\U0001F41B"_s);
         QCOMPARE(Settings::shared().commentEmoji(), "c");
     }
 
@@ -49,7 +51,7 @@ private Q_SLOTS:
         QTRY_VERIFY(search->hasFocus());
         QTest::keyClicks(search, " HIT  direct");
         QTest::keyClick(search, Qt::Key_Return);
-        QCOMPARE(Settings::shared().typeEmojiMappings().first().emoji, u"\U0001F3AF"_qs);
+        QCOMPARE(Settings::shared().typeEmojiMappings().first().emoji, u"\U0001F3AF"_s);
         QTRY_VERIFY(!scene.picker());
         QVERIFY(scene.find<EmojiField>("Emoji")->hasFocus());
 
@@ -69,14 +71,14 @@ private Q_SLOTS:
         QTest::keyClicks(search, "rocket");
         QTest::keyClick(search, Qt::Key_Down);
         key(Qt::Key_Return);
-        QCOMPARE(Settings::shared().commentEmoji(), u"a\U0001F680"_qs);
+        QCOMPARE(Settings::shared().commentEmoji(), u"a\U0001F680"_s);
         QTRY_VERIFY(!scene.picker());
         open();
         QTRY_VERIFY(scene.picker());
         QTest::keyClick(scene.picker()->findChild<QLineEdit *>(), Qt::Key_Down);
         QCOMPARE(nameOf(QApplication::focusWidget()), "Recent emoji");
         key(Qt::Key_Return);
-        QCOMPARE(Settings::shared().commentEmoji(), u"a\U0001F680\U0001F680"_qs);
+        QCOMPARE(Settings::shared().commentEmoji(), u"a\U0001F680\U0001F680"_s);
     }
 };
 

@@ -7,6 +7,8 @@
 #include <QTest>
 #include <QTextEdit>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 /// A log window, opened.
@@ -52,11 +54,11 @@ private Q_SLOTS:
         QVERIFY(!copy->isEnabled() && !clear->isEnabled() && !scene.list()->isVisible());
         log("again");
         scene.view.hide();
-        LogStore::shared().write(u"un\nseen\r\u2029\u2028\u0085\uFDD0\uFDD1\uFFFEline"_qs);
+        LogStore::shared().write(u"un\nseen\r\u2029\u2028\u0085\uFDD0\uFDD1\uFFFEline"_s);
         log("last");
         scene.view.show();
         QCOMPARE(scene.rows(),
-                 QStringList({"14:03:09\tagain", u"14:03:09\tun seen    \uFFFD\uFFFD\uFFFDline"_qs,
+                 QStringList({"14:03:09\tagain", u"14:03:09\tun seen    \uFFFD\uFFFD\uFFFDline"_s,
                               "14:03:09\tlast"}));
         QVERIFY(!scene.list()->textCursor().hasSelection());
     }

@@ -11,6 +11,8 @@
 #include <QScrollArea>
 #include <QSet>
 
+using namespace Qt::StringLiterals;
+
 using Scene = PreferencesScene;
 
 class TestPreferencesTabs : public QObject {
@@ -108,7 +110,7 @@ private Q_SLOTS:
         scene.view->selectTab(PreferencesTab::Jira);
         QCOMPARE(tip("Remove this mapping"), "Remove this mapping.");
         QCOMPARE(tip("Open the emoji picker"),
-                 u"Open the emoji picker. ⌃⌘Space also works when the field is focused."_qs);
+                 u"Open the emoji picker. ⌃⌘Space also works when the field is focused."_s);
         QCOMPARE(tip("Reset to defaults"),
                  "Restore the default Bug / Story / Task / Epic / Sub-task mapping.");
         scene.view->selectTab(PreferencesTab::Connection);
@@ -118,7 +120,7 @@ private Q_SLOTS:
                              "• Pick app: %1, then your site\n"
                              "• Scope: %2\n"
                              "• Set a 90-day expiry\n"
-                             "• Copy the token, paste it here, click Save Token"_qs;
+                             "• Copy the token, paste it here, click Save Token"_s;
         QCOMPARE(tip("Jira API Token"),
                  help.arg("Jira", "read:jira-work (add read:me to also show your name in Test "
                                   "Connection)"));
@@ -148,7 +150,7 @@ private Q_SLOTS:
                                                {2 * 86400, "Token saved 2 days ago."},
                                                {80 * 86400 - 1, "Token saved 79 days ago."},
                                                {80 * 86400, u"Token saved 80 days ago. — consider "
-                                                            "rotating."_qs}}) {
+                                                            "rotating."_s}}) {
             scene.view->hide();
             scene.dispatch->setWallTime(saved.addSecs(seconds));
             scene.view->show();

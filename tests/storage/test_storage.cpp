@@ -4,9 +4,12 @@
 
 #include <QSignalSpy>
 #include <QTest>
+#include <QTimeZone>
 
 #include <functional>
 #include <limits>
+
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -42,7 +45,7 @@ private Q_SLOTS:
             const FakePlatform platform;
             return loaded();
         }();
-        QVERIFY(freshUser.contains(u"⌃⌥⌘V"_qs));
+        QVERIFY(freshUser.contains(u"⌃⌥⌘V"_s));
         QVERIFY(freshUser.contains("restore"));
         const QList<std::pair<QString, QVariant>> cases{
             {"hotkeyKeyCode", qint64{0}},
@@ -74,19 +77,19 @@ private Q_SLOTS:
         Settings &s = Settings::shared();
         const QDateTime saved = QDateTime::fromMSecsSinceEpoch(1767362589123);
         const QList<std::tuple<QString, std::function<void()>, QVariant>> cases{
-            {"jiraBaseURL", [&] { s.baseURL = u"https://b.example"_qs; }, u"https://b.example"_qs},
-            {"jiraEmail", [&] { s.email = u"ann@b.example"_qs; }, u"ann@b.example"_qs},
-            {"jiraCloudId", [&] { s.cloudId = u"c-1"_qs; }, u"c-1"_qs},
+            {"jiraBaseURL", [&] { s.baseURL = u"https://b.example"_s; }, u"https://b.example"_s},
+            {"jiraEmail", [&] { s.email = u"ann@b.example"_s; }, u"ann@b.example"_s},
+            {"jiraCloudId", [&] { s.cloudId = u"c-1"_s; }, u"c-1"_s},
             {"hotkeyKeyCode", [&] { s.hotkeyKeyCode = 38; }, qint64{38}},
             {"hotkeyModifiers", [&] { s.hotkeyModifiers = 256; }, qint64{256}},
             {"hotkey2KeyCode", [&] { s.hotkey2KeyCode = 49; }, qint64{49}},
             {"hotkey2Modifiers", [&] { s.hotkey2Modifiers = 4294967295; }, qint64{4294967295}},
-            {"displayTemplate", [&] { s.displayTemplate = u"{key}"_qs; }, u"{key}"_qs},
-            {"confluenceTemplate", [&] { s.confluenceTemplate = u"{title}"_qs; }, u"{title}"_qs},
-            {"accountBaseURL", [&] { s.accountBaseURL = u"https://r"_qs; }, u"https://r"_qs},
-            {"pasteFormat", [&] { s.pasteFormat = PasteFormat::Markdown; }, u"markdown"_qs},
+            {"displayTemplate", [&] { s.displayTemplate = u"{key}"_s; }, u"{key}"_s},
+            {"confluenceTemplate", [&] { s.confluenceTemplate = u"{title}"_s; }, u"{title}"_s},
+            {"accountBaseURL", [&] { s.accountBaseURL = u"https://r"_s; }, u"https://r"_s},
+            {"pasteFormat", [&] { s.pasteFormat = PasteFormat::Markdown; }, u"markdown"_s},
             {"accountPasteFormat", [&] { s.accountPasteFormat = PasteFormat::PlainText; },
-             u"plainText"_qs},
+             u"plainText"_s},
             {"restoreClipboardAfterPaste", [&] { s.restoreClipboardAfterPaste = false; }, false},
             {"commentEmoji", [&] { s.commentEmoji = QString(); }, QString()},
             {"typeEmojiMappings", [&] { s.typeEmojiMappings = {}; }, QByteArray("[]")},
@@ -105,11 +108,11 @@ private Q_SLOTS:
         Settings::restart();
         QCOMPARE(loaded(), before); // the date to the millisecond
         Settings::shared().tokenSavedAt = std::nullopt;
-        QVERIFY(!platform.defaults->onDisk.contains(u"tokenSavedAt"_qs));
+        QVERIFY(!platform.defaults->onDisk.contains(u"tokenSavedAt"_s));
         Settings::shared().pasteFormat = PasteFormat::RichLink;
-        QCOMPARE(platform.defaults->onDisk.value(u"pasteFormat"_qs), u"richLink"_qs);
+        QCOMPARE(platform.defaults->onDisk.value(u"pasteFormat"_s), u"richLink"_s);
         Settings::shared().accountPasteFormat = PasteFormat::UrlOnly;
-        QCOMPARE(platform.defaults->onDisk.value(u"accountPasteFormat"_qs), u"urlOnly"_qs);
+        QCOMPARE(platform.defaults->onDisk.value(u"accountPasteFormat"_s), u"urlOnly"_s);
     }
 
     void cloudIdBelongsToItsSite() {
@@ -123,8 +126,8 @@ private Q_SLOTS:
             for (const bool isTyped : {false, true}) {
                 FakePlatform platform;
                 Settings &settings = Settings::shared();
-                settings.baseURL = u"https://b.example"_qs;
-                settings.cloudId = u"c-1"_qs;
+                settings.baseURL = u"https://b.example"_s;
+                settings.cloudId = u"c-1"_s;
                 const int writes = platform.defaults->flushes;
                 if (isTyped)
                     settings.baseURL.type(site);
@@ -199,8 +202,8 @@ private Q_SLOTS:
         for (int i = 1; i <= 250; ++i)
             log.write(QString::number(i));
         QCOMPARE(log.entries().size(), 200);
-        QCOMPARE(log.entries().constFirst().message, u"51"_qs);
-        QCOMPARE(log.entries().constLast().message, u"250"_qs);
+        QCOMPARE(log.entries().constFirst().message, u"51"_s);
+        QCOMPARE(log.entries().constLast().message, u"250"_s);
     }
 
     void logIsStampedWhenWrittenAndClearedInTurn() {
@@ -211,17 +214,17 @@ private Q_SLOTS:
         const auto fromElsewhere = [&](const QString &message) {
             platform.dispatch->onBackground([&] { log.write(message); });
         };
-        platform.dispatch->setWallTime(QDateTime({2026, 1, 2}, {8, 18, 9}, Qt::UTC));
-        fromElsewhere(u"before"_qs);
+        platform.dispatch->setWallTime(QDateTime({2026, 1, 2}, {8, 18, 9}, QTimeZone::utc()));
+        fromElsewhere(u"before"_s);
         log.clear();
-        fromElsewhere(u"late"_qs);
-        log.write(u"at once"_qs);
-        platform.dispatch->setWallTime(QDateTime({2026, 1, 2}, {8, 18, 10}, Qt::UTC));
-        QCOMPARE(log.formattedAll(), u"[14:03:09] at once"_qs);
+        fromElsewhere(u"late"_s);
+        log.write(u"at once"_s);
+        platform.dispatch->setWallTime(QDateTime({2026, 1, 2}, {8, 18, 10}, QTimeZone::utc()));
+        QCOMPARE(log.formattedAll(), u"[14:03:09] at once"_s);
         platform.dispatch->drain();
-        QCOMPARE(log.formattedAll(), u"[14:03:09] late"_qs);
-        log.write(u"b\nc"_qs);
-        QCOMPARE(log.formattedAll(), u"[14:03:09] late\n[14:03:10] b\nc"_qs);
+        QCOMPARE(log.formattedAll(), u"[14:03:09] late"_s);
+        log.write(u"b\nc"_s);
+        QCOMPARE(log.formattedAll(), u"[14:03:09] late\n[14:03:10] b\nc"_s);
         qunsetenv("TZ");
         tzset();
     }
@@ -229,12 +232,12 @@ private Q_SLOTS:
     void logShowsForeignTextOnOneLine() {
         FakePlatform platform;
         const QList<std::pair<QString, QString>> cases{
-            {u"a\r\nb\u2028c\u2029d\u0085e\vf\fg\th"_qs, u"a  b c d e f g h"_qs},
-            {QString(u'\0') + u"\u001B[2J\u009B\uFDD0\uFFFE\U0001FFFF"_qs,
-             u"\uFFFD\uFFFD[2J\uFFFD\uFFFD\uFFFD\uFFFD"_qs},
-            {QString(QChar(0xD83D)) + u'x', u"\uFFFDx"_qs},
-            {u"é\u00A0\u3000\U0001F469\u200D\U0001F4BB"_qs,
-             u"é\u00A0\u3000\U0001F469\u200D\U0001F4BB"_qs},
+            {u"a\r\nb\u2028c\u2029d\u0085e\vf\fg\th"_s, u"a  b c d e f g h"_s},
+            {QString(u'\0') + u"\u001B[2J\u009B\uFDD0\uFFFE\U0001FFFF"_s,
+             u"\uFFFD\uFFFD[2J\uFFFD\uFFFD\uFFFD\uFFFD"_s},
+            {QString(QChar(0xD83D)) + u'x', u"\uFFFDx"_s},
+            {u"é\u00A0\u3000\U0001F469\u200D\U0001F4BB"_s,
+             u"é\u00A0\u3000\U0001F469\u200D\U0001F4BB"_s},
         };
         for (const auto &[message, line] : cases) {
             log(message);
@@ -244,8 +247,8 @@ private Q_SLOTS:
         const QString hundred(100, u'x');
         QCOMPARE(LogStore::excerpt(hundred), hundred);
         QCOMPARE(LogStore::excerpt(hundred + u'y'), QString(hundred + u'…'));
-        QCOMPARE(LogStore::excerpt(u"é\U0001F41E"_qs.repeated(60)),
-                 QString(u"é\U0001F41E"_qs.repeated(50) + u'…'));
+        QCOMPARE(LogStore::excerpt(u"é\U0001F41E"_s.repeated(60)),
+                 QString(u"é\U0001F41E"_s.repeated(50) + u'…'));
         QVERIFY(LogStore::excerpt(u'e' + QString(10'000'000, QChar(0x301))).size() < 1000);
     }
 };

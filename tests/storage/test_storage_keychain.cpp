@@ -38,7 +38,9 @@ struct Tokens {
         if (platform.secretStore->isPrompting())
             platform.secretStore->answerPrompt(unlocks);
         platform.dispatch->drain();
-        return std::exchange(answer, {}).value_or("(nothing)");
+        const QString given = answer.value_or("(nothing)");
+        answer.reset();
+        return given;
     }
 
     FakePlatform &platform;

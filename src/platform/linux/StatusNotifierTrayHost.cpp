@@ -1,12 +1,15 @@
 #include "platform/linux/StatusNotifierTrayHost.h"
 
 #include <QDBusConnection>
-#include <QDBusConnectionInterface>
 #include <QDBusMessage>
-#include <QDBusReply>
+#include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
 #include <QDBusServiceWatcher>
+#include <QVariant>
 
 #include <xcb/xfixes.h>
+
+#include <utility>
 
 namespace {
 const auto watcherService = QStringLiteral("org.kde.StatusNotifierWatcher");
@@ -20,22 +23,37 @@ StatusNotifierTrayHost::StatusNotifierTrayHost(std::shared_ptr<X11Connection> x1
             m_x11->atom("_NET_SYSTEM_TRAY_S" + QByteArray::number(m_x11->screenNumber()));
 }
 
-bool StatusNotifierTrayHost::isAvailable() {
-    // Not asked through the toolkit: its first answer is its last.
-    return hasStatusNotifierHost() || hasTraySelectionOwner();
+// Not asked through the toolkit: its first answer is its last.
+void StatusNotifierTrayHost::look() {
+    ++m_looks;
+    if (hasTraySelectionOwner())
+        found(true);
+    else if (QDBusConnection::sessionBus().isConnected())
+        askWatcher();
+    else
+        found(false);
 }
 
-bool StatusNotifierTrayHost::hasStatusNotifierHost() const {
-    const QDBusConnection bus = QDBusConnection::sessionBus();
-    if (!bus.isConnected() || !bus.interface()->isServiceRegistered(watcherService))
-        return false;
+void StatusNotifierTrayHost::askWatcher() {
     QDBusMessage get = QDBusMessage::createMethodCall(
         watcherService, watcherPath, QStringLiteral("org.freedesktop.DBus.Properties"),
         QStringLiteral("Get"));
     get << watcherService << QStringLiteral("IsStatusNotifierHostRegistered");
+    get.setAutoStartService(false);
     constexpr int longestWait = 1000; // ms; a watcher that hangs counts as none
-    const QDBusReply<QVariant> reply = bus.call(get, QDBus::Block, longestWait);
-    return reply.isValid() && reply.value().toBool();
+    auto *asked = new QDBusPendingCallWatcher(
+        QDBusConnection::sessionBus().asyncCall(get, longestWait), this);
+    connect(asked, &QDBusPendingCallWatcher::finished, this, [this, asked, look = m_looks] {
+        asked->deleteLater();
+        const QDBusPendingReply<QVariant> reply = *asked;
+        if (look == m_looks)
+            found(!reply.isError() && reply.value().toBool());
+    });
+}
+
+void StatusNotifierTrayHost::found(bool isAvailable) {
+    if (std::exchange(m_isAvailable, isAvailable) != isAvailable)
+        m_changed();
 }
 
 bool StatusNotifierTrayHost::hasTraySelectionOwner() const {
@@ -52,20 +70,19 @@ void StatusNotifierTrayHost::onChange(std::function<void()> changed) {
     auto *watcher = new QDBusServiceWatcher(watcherService, bus,
                                             QDBusServiceWatcher::WatchForOwnerChange, this);
     connect(watcher, &QDBusServiceWatcher::serviceOwnerChanged, this,
-            &StatusNotifierTrayHost::somethingChanged);
+            [this](const QString &, const QString &oldOwner) {
+                if (!oldOwner.isEmpty()) // the icons go with it, however soon another comes
+                    found(false);
+                look();
+            });
     for (const QString &signal : {QStringLiteral("StatusNotifierHostRegistered"),
                                   QStringLiteral("StatusNotifierHostUnregistered")}) {
         bus.connect(watcherService, watcherPath, watcherService, signal, this,
                     SLOT(somethingChanged()));
     }
     if (m_traySelection != XCB_ATOM_NONE) {
-        m_x11->watchSelection(m_traySelection, [this](const xcb_xfixes_selection_notify_event_t &) {
-            somethingChanged();
-        });
+        m_x11->watchSelection(m_traySelection,
+                              [this](const xcb_xfixes_selection_notify_event_t &) { look(); });
     }
-}
-
-void StatusNotifierTrayHost::somethingChanged() {
-    if (m_changed)
-        m_changed();
+    look();
 }

@@ -13,17 +13,21 @@ class StatusNotifierTrayHost : public QObject, public TrayHost {
 public:
     explicit StatusNotifierTrayHost(std::shared_ptr<X11Connection> x11);
 
-    bool isAvailable() override;
+    std::optional<bool> isAvailable() const override { return m_isAvailable; }
     void onChange(std::function<void()> changed) override;
 
 private:
-    bool hasStatusNotifierHost() const;
+    void look();
+    void askWatcher();
+    void found(bool isAvailable);
     bool hasTraySelectionOwner() const;
 
     std::shared_ptr<X11Connection> m_x11;
     xcb_atom_t m_traySelection = XCB_ATOM_NONE;
     std::function<void()> m_changed;
+    std::optional<bool> m_isAvailable;
+    int m_looks = 0; ///< only the answer to the last one counts
 
 private Q_SLOTS:
-    void somethingChanged();
+    void somethingChanged() { look(); }
 };

@@ -13,14 +13,29 @@
 
 namespace {
 
+/// What the toolkit writes into a list as it is: as text, which is all that is left of it there.
+bool isWrittenAsText(const QVariant &piece) {
+    switch (piece.typeId()) {
+    case QMetaType::QString:
+    case QMetaType::Bool:
+    case QMetaType::Int:
+    case QMetaType::UInt:
+    case QMetaType::LongLong:
+    case QMetaType::ULongLong:
+    case QMetaType::Double:
+        return true;
+    default:
+        return false;
+    }
+}
+
 /// Text with commas written by hand arrives as a list, and as one of variants if any piece starts
 /// with "@". Pieces that are more than text make no text.
 bool isTextInPieces(const QVariant &value) {
     if (value.typeId() != QMetaType::QVariantList)
         return value.typeId() == QMetaType::QStringList;
     const QVariantList pieces = value.toList();
-    return std::all_of(pieces.begin(), pieces.end(),
-                       [](const QVariant &piece) { return piece.typeId() == QMetaType::QString; });
+    return std::all_of(pieces.begin(), pieces.end(), isWrittenAsText);
 }
 
 /// Half a surrogate pair, which no file can hold, becomes U+FFFD as undecodable bytes do.
