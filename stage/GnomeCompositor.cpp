@@ -2,9 +2,6 @@
 
 #include "stage/MessageBus.h"
 
-#include <QDBusConnection>
-#include <QDBusMessage>
-#include <QDBusVariant>
 #include <QDir>
 #include <QFileInfo>
 #include <QRegularExpression>
@@ -20,10 +17,6 @@ const QString shell = QStringLiteral("gnome-shell");
 const QString socketName = QStringLiteral("gnome-0");
 const QString settingsService = QStringLiteral("/usr/libexec/dconf-service");
 const QString keyBindings = QStringLiteral("/usr/libexec/gsd-media-keys");
-
-const QString permissions = QStringLiteral("/usr/libexec/xdg-permission-store");
-const QString portalsDialogs = QStringLiteral("/usr/libexec/xdg-desktop-portal-gnome");
-const QString portal = QStringLiteral("/usr/libexec/xdg-desktop-portal");
 
 /// Now and then a start hangs; another one comes up. It takes one to three seconds.
 constexpr int mostStarts = 3;
@@ -60,7 +53,7 @@ QString inputSources(const QString &layouts) {
 QString GnomeCompositor::missing() {
     if (QStandardPaths::findExecutable(shell).isEmpty())
         return u"gnome-shell is not installed"_s;
-    for (const QString &program : {settingsService, keyBindings, permissions, portalsDialogs, portal}) {
+    for (const QString &program : {settingsService, keyBindings}) {
         if (!QFileInfo(program).isExecutable())
             return program + u" is not installed"_s;
     }
@@ -85,8 +78,6 @@ GnomeCompositor::GnomeCompositor(DesktopHome &home, const DesktopOptions &option
     environment.insert(u"DISPLAY"_s, m_display);
     admitToXWayland(environment);
     home.begin(keyBindings);
-    if (options.portal)
-        beginPortal(home);
     beginKeyboard(home);
 }
 
@@ -113,24 +104,6 @@ bool GnomeCompositor::beginShell(DesktopHome &home) {
     static const QRegularExpression display(u"public X11 display (:\\d+)"_s);
     m_display = display.match(QString::fromLocal8Bit(home.said(shell).sliced(before))).captured(1);
     return !m_display.isEmpty();
-}
-
-/// The portal learns only when it starts what its dialogs can ask for.
-void GnomeCompositor::beginPortal(DesktopHome &home) {
-    home.begin(permissions);
-    home.begin(portalsDialogs);
-    QDBusMessage question = QDBusMessage::createMethodCall(
-        u"org.freedesktop.impl.portal.desktop.gnome"_s, u"/org/freedesktop/portal/desktop"_s,
-        u"org.freedesktop.DBus.Properties"_s, u"Get"_s);
-    question << u"org.freedesktop.impl.portal.RemoteDesktop"_s << u"AvailableDeviceTypes"_s;
-    const QDBusConnection bus(home.environment().value(u"DBUS_SESSION_BUS_ADDRESS"_s));
-    const auto offersKeys = [&] {
-        const QVariant types = bus.call(question).arguments().value(0);
-        return types.value<QDBusVariant>().variant().toUInt() != 0;
-    };
-    if (!waitFor(offersKeys))
-        home.fail(portalsDialogs, u"offers no keys"_s);
-    home.begin(portal);
 }
 
 /// The shell begins with its overview, which takes the keys.

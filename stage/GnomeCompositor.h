@@ -19,7 +19,6 @@ public:
 
 private:
     static void beginSettings(DesktopHome &home, const DesktopOptions &options);
-    static void beginPortal(DesktopHome &home);
     bool beginShell(DesktopHome &home);
     void beginKeyboard(DesktopHome &home);
 
