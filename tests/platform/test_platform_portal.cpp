@@ -327,6 +327,8 @@ private Q_SLOTS:
             {{"portal --shortcuts 1", ""},
              {"hotkeys start", all({given, registers, bind, "user asked"})},
              {"tell trigger Alt+F9", "bound | Alt+F9"},
+             {"tell trigger Press <Shift><Super><Control>F9", "bound | Ctrl+Shift+Super+F9"},
+             {"tell trigger <Alt>x", "bound | Alt+X"},
              {"tell trigger ", "bound | put this there:brindle paste"}});
         row("dismissed is not asked again by itself",
             {{"portal --shortcuts 1", ""},
@@ -336,6 +338,13 @@ private Q_SLOTS:
              {"tell answer allow", dismissed},
              {"hotkeys ask", all({given, bind, "user asked"})},
              {"hotkeys start", all({given, "session closed", registers, bind})}});
+        row("a dialog that could not be shown was not dismissed",
+            {{"portal --shortcuts 1", ""},
+             {"tell answer can't ask", ""},
+             {"hotkeys start",
+              all({"can't be had: the desktop gives none", registers, bind, "session closed"})},
+             {"tell answer allow", "can't be had: the desktop gives none"},
+             {"hotkeys start", all({given, registers, bind, "user asked"})}});
         row("the portal ends and comes back",
             {{"portal --shortcuts 1", ""},
              {"hotkeys start", all({given, registers, bind, "user asked"})},

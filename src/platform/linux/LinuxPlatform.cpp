@@ -117,7 +117,7 @@ hotkeysOfPortal(PortalBackends &portal, const Platform &platform,
 std::shared_ptr<HeldKeys> heldKeysOf(const KdeBackends &kde, const PortalBackends &portal,
                                      const Platform &platform) {
     if (GnomeBackends::isDesktop())
-        return std::make_shared<ProbedKeys>(portal.probe(), platform.dispatch);
+        return std::make_shared<ProbedKeys>(portal.probe(), portal.hold(), platform.dispatch);
     return std::make_shared<HotkeyRelease>(kde.holdOr(portal.hold()), platform.dispatch);
 }
 

@@ -1,6 +1,9 @@
 #include "platform/portal/PortalHotkeys.h"
 
+#include "model/AppInfo.h"
+
 #include <QProcess>
+#include <QRegularExpression>
 #include <QTimer>
 
 #include <utility>
@@ -14,6 +17,9 @@ const QString dismissedKey = QStringLiteral("hotkeyDialogDismissed");
 
 const QString notAnswered = QStringLiteral("the desktop has not answered yet");
 const QString dismissed = QStringLiteral("the desktop was not allowed to give one");
+
+/// Nobody reads a dialog and answers it in less.
+constexpr std::chrono::milliseconds shortestAnswer{300};
 
 /// A portal that ends again and again is left alone for longer each time.
 constexpr std::chrono::milliseconds firstPause{500};
@@ -47,13 +53,37 @@ PortalShortcut shortcut(const QString &id, const QString &description, const QSt
     return {id, properties};
 }
 
+/// The words of the desktop for its keys. GNOME's are those of its settings, "Press <Control>v".
+QString shownTrigger(const QString &description) {
+    static const QRegularExpression accelerator(QStringLiteral("((?:<\\w+>)+)(\\w+)"));
+    static const QList<std::pair<QString, QString>> modifiers{
+        {QStringLiteral("<control>"), QStringLiteral("Ctrl")},
+        {QStringLiteral("<primary>"), QStringLiteral("Ctrl")},
+        {QStringLiteral("<alt>"), QStringLiteral("Alt")},
+        {QStringLiteral("<shift>"), QStringLiteral("Shift")},
+        {QStringLiteral("<super>"), QStringLiteral("Super")},
+    };
+    const auto found = accelerator.match(description);
+    if (!found.hasMatch())
+        return description;
+    QStringList parts;
+    for (const auto &[written, shown] : modifiers) {
+        if (found.captured(1).contains(written, Qt::CaseInsensitive))
+            parts.append(shown);
+    }
+    const QString key = found.captured(2);
+    parts.append(key.size() == 1 ? key.toUpper() : key);
+    return parts.join(u'+');
+}
+
+/// Where the desktop lets its user choose other keys.
 std::function<void()> settingsPage() {
     const QStringList desktops = qEnvironmentVariable("XDG_CURRENT_DESKTOP").split(u':');
     if (!desktops.contains(QStringLiteral("GNOME")))
         return {};
     return [] {
         QProcess::startDetached(QStringLiteral("gnome-control-center"),
-                                {QStringLiteral("keyboard")});
+                                {QStringLiteral("applications"), AppInfo::bundleIdentifier()});
     };
 }
 
@@ -127,14 +157,15 @@ QList<PortalShortcut> PortalHotkeys::wantedShortcuts() const {
 }
 
 void PortalHotkeys::bindShortcuts() {
+    m_askedAt = HotkeyHold::Clock::now();
     const QString noParentWindow;
     m_session->ask(QStringLiteral("BindShortcuts"),
                    {PortalShortcuts::toArgument(wantedShortcuts()), noParentWindow}, {}, {},
                    [this](const PortalRequest::Answer &answer) { answered(answer); });
 }
 
-/// By the shortcuts in it, whatever its code says: some desktops answer with "ended" when all went
-/// well.
+/// By the shortcuts in it, whatever its code says: GNOME answers with "ended" when all went well,
+/// when the user has dismissed the dialog, and when it could show none.
 void PortalHotkeys::answered(const PortalRequest::Answer &answer) {
     using Code = PortalRequest::Answer::Code;
     const auto shortcuts = PortalShortcuts::of(answer.results.value(QStringLiteral("shortcuts")));
@@ -147,6 +178,9 @@ void PortalHotkeys::answered(const PortalRequest::Answer &answer) {
     } else if (!m_tools.portal->registrationProblem().isEmpty()) {
         refuse(QStringLiteral("the desktop does not know Brindle: ") +
                m_tools.portal->registrationProblem());
+    } else if (answer.code == Code::Ended &&
+               HotkeyHold::Clock::now() - m_askedAt < shortestAnswer) {
+        refuse(QStringLiteral("the desktop gives none"));
     } else {
         m_tools.defaults->set(dismissedKey, true);
         refuse(dismissed);
@@ -157,7 +191,7 @@ void PortalHotkeys::takeOver(const QList<PortalShortcut> &shortcuts) {
     QStringList triggers;
     for (const PortalShortcut &bound : shortcuts) {
         const QString trigger =
-            bound.properties.value(QStringLiteral("trigger_description")).toString();
+            shownTrigger(bound.properties.value(QStringLiteral("trigger_description")).toString());
         if (bound.id == probeId)
             m_tools.probe->isBound = true;
         else if (!trigger.isEmpty() && !triggers.contains(trigger))

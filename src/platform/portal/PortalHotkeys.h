@@ -65,5 +65,6 @@ private:
     QString m_problem;
     QString m_trigger; ///< as the desktop calls the keys; empty when it does not tell
     std::chrono::milliseconds m_pause; ///< before the shortcuts are bound anew
+    HotkeyHold::Clock::time_point m_askedAt;
     HotkeyHold::Clock::time_point m_boundAt;
 };
