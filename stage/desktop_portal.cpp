@@ -223,6 +223,8 @@ private:
             did(u"user asked"_s);
         QTimer::singleShot(m_answer == u"deny" ? time : 0, this,
                            [this, request] { respond(request, 2, {}); });
+        if (m_answer == u"can't ask yet")
+            m_answer = u"allow"_s;
     }
 
     QList<Shortcut> triggers() const {
@@ -250,7 +252,8 @@ private:
     }
 
     Traits m_traits;
-    QString m_answer = u"allow"_s; ///< allow, allow once, deny, switch off, nothing, can't ask
+    QString m_answer =
+        u"allow"_s; ///< allow, allow once, deny, switch off, nothing, can't ask, can't ask yet
     QString m_trigger = u"Ctrl+Alt+Super+V"_s;
     QString m_offered; ///< the token that came last
     int m_lastToken = 0;

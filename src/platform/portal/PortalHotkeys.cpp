@@ -21,7 +21,7 @@ const QString dismissed = QStringLiteral("the desktop was not allowed to give on
 /// Nobody reads a dialog and answers it in less.
 constexpr std::chrono::milliseconds shortestAnswer{300};
 
-/// A portal that ends again and again is left alone for longer each time.
+/// A portal that fails again and again is left alone for longer each time, and in the end for good.
 constexpr std::chrono::milliseconds firstPause{500};
 constexpr std::chrono::minutes longestPause{5};
 
@@ -101,8 +101,7 @@ PortalHotkeys::PortalHotkeys(Tools tools)
     listen(QStringLiteral("Activated"), SLOT(activated(QDBusMessage)));
     listen(QStringLiteral("Deactivated"), SLOT(deactivated(QDBusMessage)));
     listen(QStringLiteral("ShortcutsChanged"), SLOT(shortcutsChanged(QDBusMessage)));
-    connect(m_tools.portal.get(), &PortalConnection::appeared, this,
-            &PortalHotkeys::portalAppeared);
+    connect(m_tools.portal.get(), &PortalConnection::appeared, this, &PortalHotkeys::tryAgain);
 }
 
 void PortalHotkeys::bind(const QList<KeyCombo> &all, std::function<void()> pressed,
@@ -112,6 +111,8 @@ void PortalHotkeys::bind(const QList<KeyCombo> &all, std::function<void()> press
     m_pressed = std::move(pressed);
     m_released = std::move(released);
     m_outcome = std::move(outcome);
+    m_problem = notAnswered;
+    m_pause = firstPause;
     if (m_tools.defaults->boolean(dismissedKey).value_or(false))
         refuse(dismissed);
     else
@@ -121,6 +122,10 @@ void PortalHotkeys::bind(const QList<KeyCombo> &all, std::function<void()> press
 void PortalHotkeys::unbind() {
     m_wanted.clear();
     m_session.reset();
+    notBound();
+}
+
+void PortalHotkeys::notBound() {
     m_isBound = false;
     m_tools.probe->isBound = false;
     m_tools.hold->release();
@@ -209,33 +214,37 @@ void PortalHotkeys::tell(const QList<Refusal> &refusals) {
 }
 
 void PortalHotkeys::refuse(const QString &problem) {
-    m_problem = problem;
+    if (m_session)
+        m_session.release()->deleteLater(); // it may be the one that calls
+    if (problem != dismissed)
+        tryLater();
+    if (problem == std::exchange(m_problem, problem))
+        return; // known already
     QList<Refusal> refusals;
     for (const KeyCombo &combo : std::as_const(m_wanted))
         refusals.append({combo, QStringLiteral("can't be had: ") + problem});
-    if (m_session)
-        m_session.release()->deleteLater(); // it may be the one that calls
     tell(refusals);
-}
-
-/// What could not be had may be there now.
-void PortalHotkeys::portalAppeared() {
-    if (!m_session && !m_wanted.isEmpty() && m_problem != dismissed)
-        askDesktop();
 }
 
 void PortalHotkeys::ended() {
     m_session.release()->deleteLater();
-    m_isBound = false;
-    m_tools.probe->isBound = false;
-    m_tools.hold->release();
+    notBound();
     if (HotkeyHold::Clock::now() - m_boundAt > longestPause)
         m_pause = firstPause;
-    QTimer::singleShot(m_pause, this, [this] {
-        if (!m_session && !m_wanted.isEmpty())
-            askDesktop();
-    });
-    m_pause = std::min<std::chrono::milliseconds>(2 * m_pause, longestPause);
+    tryLater();
+}
+
+/// Right after login not everything is up that it takes.
+void PortalHotkeys::tryLater() {
+    if (m_pause > longestPause)
+        return;
+    QTimer::singleShot(m_pause, this, &PortalHotkeys::tryAgain);
+    m_pause *= 2;
+}
+
+void PortalHotkeys::tryAgain() {
+    if (!m_session && !m_wanted.isEmpty() && m_problem != dismissed)
+        askDesktop();
 }
 
 std::optional<Hotkeys::DesktopsChoice> PortalHotkeys::desktopsChoice() const {

@@ -44,13 +44,15 @@ private Q_SLOTS:
 
 private:
     void askDesktop();
+    void notBound();
     void bindShortcuts();
     void answered(const PortalRequest::Answer &answer);
     void ended();
     void takeOver(const QList<PortalShortcut> &shortcuts);
     void refuse(const QString &problem);
     void tell(const QList<Refusal> &refusals);
-    void portalAppeared();
+    void tryAgain();
+    void tryLater();
     QList<PortalShortcut> wantedShortcuts() const;
     /// Which of our shortcuts the signal is of; empty for one of another session.
     QString shortcutOf(const QDBusMessage &signal) const;
