@@ -14,6 +14,7 @@
 #include <QMap>
 #include <QSet>
 #include <QSocketNotifier>
+#include <QTimer>
 
 using namespace Qt::StringLiterals;
 
@@ -193,8 +194,8 @@ private:
             isNew = isNew || !m_bound.contains(shortcut.id);
         }
         did(u"bind "_s + told.join(u' '));
-        if (isNew && m_answer.startsWith(u"deny")) {
-            answerAs(request, true, 1, {});
+        if (isNew && m_answer != u"allow") {
+            refuse(request);
             return;
         }
         for (const Shortcut &shortcut : shortcuts)
@@ -213,6 +214,17 @@ private:
             respond(request, 1, {});
         else
             respond(request, code, results);
+    }
+
+    /// As GNOME does it: one code for a user who says no and for nobody having been asked.
+    void refuse(const QString &request) {
+        constexpr int time = 500; // that a user takes at least
+        if (m_answer == u"deny")
+            did(u"user asked"_s);
+        QTimer::singleShot(m_answer == u"deny" ? time : 0, this,
+                           [this, request] { respond(request, 2, {}); });
+        if (m_answer == u"can't ask yet")
+            m_answer = u"allow"_s;
     }
 
     QList<Shortcut> triggers() const {
@@ -240,7 +252,8 @@ private:
     }
 
     Traits m_traits;
-    QString m_answer = u"allow"_s; ///< allow, allow once, deny, switch off, nothing
+    QString m_answer =
+        u"allow"_s; ///< allow, allow once, deny, switch off, nothing, can't ask, can't ask yet
     QString m_trigger = u"Ctrl+Alt+Super+V"_s;
     QString m_offered; ///< the token that came last
     int m_lastToken = 0;

@@ -112,13 +112,13 @@ public:
             onPaste();
         done(canPost);
     }
-    std::optional<ScriptedPaste> scriptedPaste() const override {
-        return ScriptedPaste{QStringLiteral("/usr/bin/keypresser"), {QStringLiteral("ctrl+v")}};
-    }
+    std::optional<ScriptedPaste> scriptedPaste() const override { return program; }
 
     PasteAccess granted;
     std::optional<PasteAccess> answered; ///< what the user makes of it when asked
     bool canPost = true;
+    std::optional<ScriptedPaste> program =
+        ScriptedPaste{QStringLiteral("/usr/bin/keypresser"), {QStringLiteral("ctrl+v")}};
     std::optional<KeyLayout> keys;
     int requests = 0;
     int prepared = 0;

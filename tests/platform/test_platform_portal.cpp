@@ -183,7 +183,7 @@ private Q_SLOTS:
         QVERIFY2(m_desktop.problem().isEmpty(), qPrintable(m_desktop.problem()));
         qputenv("DBUS_SESSION_BUS_ADDRESS", m_desktop.busAddress().toLocal8Bit());
         QCOMPARE(PortalBackends(nullptr, nullptr).remoteDesktop(nullptr, {}).error(),
-                 "org.freedesktop.portal.Desktop is not on the bus");
+                 "the desktop has no portal: org.freedesktop.portal.Desktop is not on the bus");
     }
 
     void keys_data() {
@@ -327,6 +327,8 @@ private Q_SLOTS:
             {{"portal --shortcuts 1", ""},
              {"hotkeys start", all({given, registers, bind, "user asked"})},
              {"tell trigger Alt+F9", "bound | Alt+F9"},
+             {"tell trigger Press <Shift><Super><Control>F9", "bound | Ctrl+Shift+Super+F9"},
+             {"tell trigger <Alt>x", "bound | Alt+X"},
              {"tell trigger ", "bound | put this there:brindle paste"}});
         row("dismissed is not asked again by itself",
             {{"portal --shortcuts 1", ""},
@@ -336,6 +338,16 @@ private Q_SLOTS:
              {"tell answer allow", dismissed},
              {"hotkeys ask", all({given, bind, "user asked"})},
              {"hotkeys start", all({given, "session closed", registers, bind})}});
+        row("a dialog that can't be shown is not one that was dismissed",
+            {{"portal --shortcuts 1", ""},
+             {"tell answer can't ask", ""},
+             {"hotkeys start",
+              all({"can't be had: the desktop gives none", registers, bind, "session closed"})}});
+        row("a dialog that can't be shown yet",
+            {{"portal --shortcuts 1", ""},
+             {"tell answer can't ask yet", ""},
+             {"hotkeys start",
+              all({given, registers, bind, "session closed", bind, "user asked"})}});
         row("the portal ends and comes back",
             {{"portal --shortcuts 1", ""},
              {"hotkeys start", all({given, registers, bind, "user asked"})},

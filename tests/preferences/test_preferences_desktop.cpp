@@ -68,6 +68,9 @@ private Q_SLOTS:
         QTest::newRow("settings") << "Ctrl+Alt+V" << QString() << true << QString() << QString()
                                   << "Ctrl+Alt+V" << QString()
                                   << QStringList{"Open Shortcut Settings"};
+        QTest::newRow("a question to be asked again")
+            << "You said no." << QString() << true << "you said no" << QString() << "You said no."
+            << QString() << QStringList{"Ask for a Hotkey"};
         QTest::newRow("both") << "Do this:" << line << true << QString() << QString()
                               << "Do this:" << line
                               << QStringList{"Copy", "Open Shortcut Settings"};
@@ -92,8 +95,11 @@ private Q_SLOTS:
         int settingsOpened = 0;
         if (!text.isEmpty())
             scene.hotkeys->choice = {text, {}, line};
+        const QString button = hasSettings ? shownButtons.constLast() : QString();
         if (hasSettings)
             scene.hotkeys->choice->openSettings = [&] { ++settingsOpened; };
+        if (hasSettings && button != "Open Shortcut Settings")
+            scene.hotkeys->choice->action = button;
         scene.hotkeys->unavailable = unavailable;
         scene.pasteboard->unavailable = clipboard;
         HotkeyManager::shared().install({}, {}); // the desktop has answered
@@ -106,7 +112,7 @@ private Q_SLOTS:
             scene.click(copy);
             QCOMPARE(scene.pasteboard->text(PasteboardType::String), shownLine);
         }
-        if (auto *open = scene.find<QPushButton>("Open Shortcut Settings"))
+        if (auto *open = hasSettings ? scene.find<QPushButton>(button) : nullptr)
             scene.click(open);
         QCOMPARE(settingsOpened, hasSettings ? 1 : 0);
 

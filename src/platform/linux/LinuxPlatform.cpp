@@ -126,7 +126,7 @@ Result<std::shared_ptr<FrontWindow>> accessibleFrontWindow(const Platform &platf
 std::shared_ptr<HeldKeys> heldKeysOf(const KdeBackends &kde, const PortalBackends &portal,
                                      const Platform &platform) {
     if (GnomeBackends::isDesktop())
-        return std::make_shared<ProbedKeys>(portal.probe(), platform.dispatch);
+        return std::make_shared<ProbedKeys>(portal.probe(), portal.hold(), platform.dispatch);
     return std::make_shared<HotkeyRelease>(kde.holdOr(portal.hold()), platform.dispatch);
 }
 

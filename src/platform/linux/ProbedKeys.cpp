@@ -10,15 +10,19 @@ constexpr std::chrono::milliseconds longestHold{2000};
 /// Between two taps. One is answered within about this time.
 constexpr std::chrono::milliseconds between{30};
 
+/// So many taps are under way before the first can have been answered.
+constexpr int mostUnanswered = 2;
+
+/// The fingers of a chord come up within this time.
+constexpr std::chrono::milliseconds fingersApart{100};
+
 } // namespace
 
-ProbedKeys::ProbedKeys(std::shared_ptr<KeyProbe> probe, std::shared_ptr<Dispatch> dispatch)
-    : m_probe(std::move(probe)), m_dispatch(std::move(dispatch)) {
+ProbedKeys::ProbedKeys(std::shared_ptr<KeyProbe> probe, std::shared_ptr<const HotkeyHold> hold,
+                       std::shared_ptr<Dispatch> dispatch)
+    : m_probe(std::move(probe)), m_hold(std::move(hold)), m_dispatch(std::move(dispatch)) {
     m_probe->isWanted = true;
-    m_probe->fired = [this] {
-        if (m_areUp)
-            finish();
-    };
+    m_probe->fired = [this] { fired(); };
 }
 
 ProbedKeys::~ProbedKeys() {
@@ -31,7 +35,20 @@ void ProbedKeys::await(const std::function<void(int)> &tap, std::function<void()
     m_tap = tap;
     m_areUp = std::move(areUp);
     m_deadline = m_dispatch->now() + longestHold;
+    m_taps = 0;
     tapAgain();
+}
+
+/// The letter that is still down could not be pressed for the paste.
+void ProbedKeys::fired() {
+    if (!m_areUp)
+        return;
+    m_next.cancel();
+    m_tap = nullptr;
+    if (m_hold->isHeld() || m_taps > mostUnanswered)
+        m_next = m_dispatch->after(fingersApart, [this] { finish(); });
+    else
+        finish();
 }
 
 void ProbedKeys::tapAgain() {
@@ -41,6 +58,7 @@ void ProbedKeys::tapAgain() {
         return;
     }
     m_next = m_dispatch->after(between, [this] { tapAgain(); });
+    ++m_taps;
     m_tap(KeyProbe::evdevCode);
 }
 

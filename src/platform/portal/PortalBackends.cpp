@@ -20,19 +20,23 @@ PortalBackends::PortalBackends(std::shared_ptr<Dispatch> dispatch,
       m_secrets(std::move(secrets)),
       m_hold(std::make_shared<HotkeyHold>(longestRepeatDelay)) {}
 
-std::shared_ptr<PortalConnection> PortalBackends::connection() {
-    if (!m_connection)
-        m_connection = std::make_shared<PortalConnection>();
-    return m_connection;
+const Result<std::shared_ptr<PortalConnection>> &PortalBackends::connection() {
+    if (!m_connection) {
+        const QString problem = PortalConnection::problem();
+        m_connection = problem.isEmpty()
+                           ? std::make_shared<PortalConnection>()
+                           : Result<std::shared_ptr<PortalConnection>>::failure(problem);
+    }
+    return *m_connection;
 }
 
 Result<std::shared_ptr<Hotkeys>>
 PortalBackends::globalShortcuts(std::shared_ptr<Defaults> defaults,
                                 std::optional<Hotkeys::DesktopsChoice> untold,
                                 Otherwise otherwise) {
-    if (const QString problem = PortalConnection::problem(); !problem.isEmpty())
-        return Result<std::shared_ptr<Hotkeys>>::failure(problem);
-    const PortalHotkeys::Tools tools{connection(), std::move(defaults), m_hold, m_probe,
+    if (!connection())
+        return Result<std::shared_ptr<Hotkeys>>::failure(connection().error());
+    const PortalHotkeys::Tools tools{*connection(), std::move(defaults), m_hold, m_probe,
                                      std::move(untold)};
     const auto ask = [tools, otherwise = std::move(otherwise)](const LateHotkeys::Found &found) {
         const auto answered = [tools, otherwise, found](const QVariant &, const QString &problem) {
@@ -49,8 +53,8 @@ PortalBackends::globalShortcuts(std::shared_ptr<Defaults> defaults,
 Result<std::shared_ptr<PasteKeys>>
 PortalBackends::remoteDesktop(std::shared_ptr<HeldKeys> heldKeys,
                               std::function<bool()> vIsInItsPlace) {
-    if (const QString problem = PortalConnection::problem(); !problem.isEmpty())
-        return Result<std::shared_ptr<PasteKeys>>::failure(problem);
+    if (!connection())
+        return Result<std::shared_ptr<PasteKeys>>::failure(connection().error());
     return std::shared_ptr<PasteKeys>(std::make_shared<RemoteDesktopKeys>(RemoteDesktopKeys::Tools{
-        connection(), m_secrets, m_dispatch, std::move(heldKeys), std::move(vIsInItsPlace)}));
+        *connection(), m_secrets, m_dispatch, std::move(heldKeys), std::move(vIsInItsPlace)}));
 }

@@ -39,11 +39,12 @@ public:
                                                      std::function<bool()> vIsInItsPlace);
 
 private:
-    std::shared_ptr<PortalConnection> connection();
+    /// The reason where there is none.
+    const Result<std::shared_ptr<PortalConnection>> &connection();
 
     std::shared_ptr<Dispatch> m_dispatch;
     std::shared_ptr<SecretStore> m_secrets;
-    std::shared_ptr<PortalConnection> m_connection;
+    std::optional<Result<std::shared_ptr<PortalConnection>>> m_connection; ///< once asked for
     std::shared_ptr<HotkeyHold> m_hold;
     std::shared_ptr<KeyProbe> m_probe = std::make_shared<KeyProbe>();
 };

@@ -33,7 +33,7 @@ bool isAbsent(const QDBusMessage &answer) {
 QString PortalConnection::problem() {
     return BusNames::isThereOrStartable(QDBusConnection::sessionBus(), service)
                ? QString()
-               : QStringLiteral("%1 is not on the bus").arg(service);
+               : QStringLiteral("the desktop has no portal: %1 is not on the bus").arg(service);
 }
 
 PortalConnection::~PortalConnection() {

@@ -1,6 +1,9 @@
 #include "platform/portal/PortalHotkeys.h"
 
+#include "model/AppInfo.h"
+
 #include <QProcess>
+#include <QRegularExpression>
 #include <QTimer>
 
 #include <utility>
@@ -15,7 +18,10 @@ const QString dismissedKey = QStringLiteral("hotkeyDialogDismissed");
 const QString notAnswered = QStringLiteral("the desktop has not answered yet");
 const QString dismissed = QStringLiteral("the desktop was not allowed to give one");
 
-/// A portal that ends again and again is left alone for longer each time.
+/// Nobody reads a dialog and answers it in less.
+constexpr std::chrono::milliseconds shortestAnswer{300};
+
+/// A portal that fails again and again is left alone for longer each time, and in the end for good.
 constexpr std::chrono::milliseconds firstPause{500};
 constexpr std::chrono::minutes longestPause{5};
 
@@ -47,13 +53,37 @@ PortalShortcut shortcut(const QString &id, const QString &description, const QSt
     return {id, properties};
 }
 
+/// The words of the desktop for its keys. GNOME's are those of its settings, "Press <Control>v".
+QString shownTrigger(const QString &description) {
+    static const QRegularExpression accelerator(QStringLiteral("((?:<\\w+>)+)(\\w+)"));
+    static const QList<std::pair<QString, QString>> modifiers{
+        {QStringLiteral("<control>"), QStringLiteral("Ctrl")},
+        {QStringLiteral("<primary>"), QStringLiteral("Ctrl")},
+        {QStringLiteral("<alt>"), QStringLiteral("Alt")},
+        {QStringLiteral("<shift>"), QStringLiteral("Shift")},
+        {QStringLiteral("<super>"), QStringLiteral("Super")},
+    };
+    const auto found = accelerator.match(description);
+    if (!found.hasMatch())
+        return description;
+    QStringList parts;
+    for (const auto &[written, shown] : modifiers) {
+        if (found.captured(1).contains(written, Qt::CaseInsensitive))
+            parts.append(shown);
+    }
+    const QString key = found.captured(2);
+    parts.append(key.size() == 1 ? key.toUpper() : key);
+    return parts.join(u'+');
+}
+
+/// Where the desktop lets its user choose other keys.
 std::function<void()> settingsPage() {
     const QStringList desktops = qEnvironmentVariable("XDG_CURRENT_DESKTOP").split(u':');
     if (!desktops.contains(QStringLiteral("GNOME")))
         return {};
     return [] {
         QProcess::startDetached(QStringLiteral("gnome-control-center"),
-                                {QStringLiteral("keyboard")});
+                                {QStringLiteral("applications"), AppInfo::bundleIdentifier()});
     };
 }
 
@@ -71,8 +101,7 @@ PortalHotkeys::PortalHotkeys(Tools tools)
     listen(QStringLiteral("Activated"), SLOT(activated(QDBusMessage)));
     listen(QStringLiteral("Deactivated"), SLOT(deactivated(QDBusMessage)));
     listen(QStringLiteral("ShortcutsChanged"), SLOT(shortcutsChanged(QDBusMessage)));
-    connect(m_tools.portal.get(), &PortalConnection::appeared, this,
-            &PortalHotkeys::portalAppeared);
+    connect(m_tools.portal.get(), &PortalConnection::appeared, this, &PortalHotkeys::tryAgain);
 }
 
 void PortalHotkeys::bind(const QList<KeyCombo> &all, std::function<void()> pressed,
@@ -82,6 +111,8 @@ void PortalHotkeys::bind(const QList<KeyCombo> &all, std::function<void()> press
     m_pressed = std::move(pressed);
     m_released = std::move(released);
     m_outcome = std::move(outcome);
+    m_problem = notAnswered;
+    m_pause = firstPause;
     if (m_tools.defaults->boolean(dismissedKey).value_or(false))
         refuse(dismissed);
     else
@@ -91,6 +122,10 @@ void PortalHotkeys::bind(const QList<KeyCombo> &all, std::function<void()> press
 void PortalHotkeys::unbind() {
     m_wanted.clear();
     m_session.reset();
+    notBound();
+}
+
+void PortalHotkeys::notBound() {
     m_isBound = false;
     m_tools.probe->isBound = false;
     m_tools.hold->release();
@@ -127,14 +162,15 @@ QList<PortalShortcut> PortalHotkeys::wantedShortcuts() const {
 }
 
 void PortalHotkeys::bindShortcuts() {
+    m_askedAt = HotkeyHold::Clock::now();
     const QString noParentWindow;
     m_session->ask(QStringLiteral("BindShortcuts"),
                    {PortalShortcuts::toArgument(wantedShortcuts()), noParentWindow}, {}, {},
                    [this](const PortalRequest::Answer &answer) { answered(answer); });
 }
 
-/// By the shortcuts in it, whatever its code says: some desktops answer with "ended" when all went
-/// well.
+/// By the shortcuts in it, whatever its code says: GNOME answers with "ended" when all went well,
+/// when the user has dismissed the dialog, and when it could show none.
 void PortalHotkeys::answered(const PortalRequest::Answer &answer) {
     using Code = PortalRequest::Answer::Code;
     const auto shortcuts = PortalShortcuts::of(answer.results.value(QStringLiteral("shortcuts")));
@@ -147,6 +183,9 @@ void PortalHotkeys::answered(const PortalRequest::Answer &answer) {
     } else if (!m_tools.portal->registrationProblem().isEmpty()) {
         refuse(QStringLiteral("the desktop does not know Brindle: ") +
                m_tools.portal->registrationProblem());
+    } else if (answer.code == Code::Ended &&
+               HotkeyHold::Clock::now() - m_askedAt < shortestAnswer) {
+        refuse(QStringLiteral("the desktop gives none"));
     } else {
         m_tools.defaults->set(dismissedKey, true);
         refuse(dismissed);
@@ -157,7 +196,7 @@ void PortalHotkeys::takeOver(const QList<PortalShortcut> &shortcuts) {
     QStringList triggers;
     for (const PortalShortcut &bound : shortcuts) {
         const QString trigger =
-            bound.properties.value(QStringLiteral("trigger_description")).toString();
+            shownTrigger(bound.properties.value(QStringLiteral("trigger_description")).toString());
         if (bound.id == probeId)
             m_tools.probe->isBound = true;
         else if (!trigger.isEmpty() && !triggers.contains(trigger))
@@ -175,36 +214,43 @@ void PortalHotkeys::tell(const QList<Refusal> &refusals) {
 }
 
 void PortalHotkeys::refuse(const QString &problem) {
-    m_problem = problem;
+    if (m_session)
+        m_session.release()->deleteLater(); // it may be the one that calls
+    if (problem != dismissed)
+        tryLater();
+    if (problem == std::exchange(m_problem, problem))
+        return; // known already
     QList<Refusal> refusals;
     for (const KeyCombo &combo : std::as_const(m_wanted))
         refusals.append({combo, QStringLiteral("can't be had: ") + problem});
-    if (m_session)
-        m_session.release()->deleteLater(); // it may be the one that calls
     tell(refusals);
-}
-
-/// What could not be had may be there now.
-void PortalHotkeys::portalAppeared() {
-    if (!m_session && !m_wanted.isEmpty() && m_problem != dismissed)
-        askDesktop();
 }
 
 void PortalHotkeys::ended() {
     m_session.release()->deleteLater();
-    m_isBound = false;
-    m_tools.probe->isBound = false;
-    m_tools.hold->release();
+    notBound();
     if (HotkeyHold::Clock::now() - m_boundAt > longestPause)
         m_pause = firstPause;
-    QTimer::singleShot(m_pause, this, [this] {
-        if (!m_session && !m_wanted.isEmpty())
-            askDesktop();
-    });
-    m_pause = std::min<std::chrono::milliseconds>(2 * m_pause, longestPause);
+    tryLater();
+}
+
+/// Right after login not everything is up that it takes.
+void PortalHotkeys::tryLater() {
+    if (m_pause > longestPause)
+        return;
+    QTimer::singleShot(m_pause, this, &PortalHotkeys::tryAgain);
+    m_pause *= 2;
+}
+
+void PortalHotkeys::tryAgain() {
+    if (!m_session && !m_wanted.isEmpty() && m_problem != dismissed)
+        askDesktop();
 }
 
 std::optional<Hotkeys::DesktopsChoice> PortalHotkeys::desktopsChoice() const {
+    if (m_problem == notAnswered)
+        return DesktopsChoice{QStringLiteral("Waiting for the desktop to give Brindle its hotkey."),
+                              {}};
     if (m_problem == dismissed)
         return DesktopsChoice{QStringLiteral("The desktop gives Brindle no hotkey, as you have "
                                              "dismissed its question."),

@@ -45,13 +45,15 @@ private Q_SLOTS:
 
 private:
     void askDesktop();
+    void notBound();
     void bindShortcuts();
     void answered(const PortalRequest::Answer &answer);
     void ended();
     void takeOver(const QList<PortalShortcut> &shortcuts);
     void refuse(const QString &problem);
     void tell(const QList<Refusal> &refusals);
-    void portalAppeared();
+    void tryAgain();
+    void tryLater();
     QList<PortalShortcut> wantedShortcuts() const;
     /// Which of our shortcuts the signal is of; empty for one of another session.
     QString shortcutOf(const QDBusMessage &signal) const;
@@ -66,5 +68,6 @@ private:
     QString m_problem;
     QString m_trigger; ///< as the desktop calls the keys; empty when it does not tell
     std::chrono::milliseconds m_pause; ///< before the shortcuts are bound anew
+    HotkeyHold::Clock::time_point m_askedAt;
     HotkeyHold::Clock::time_point m_boundAt;
 };

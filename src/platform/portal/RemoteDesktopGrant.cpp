@@ -67,8 +67,10 @@ void RemoteDesktopGrant::learnToken() {
                     [self = QPointer(this)](const SecretStore::Answer &answer) {
                         if (!self)
                             return;
-                        if (self->m_token.isEmpty()) // else the user has just been asked
+                        if (self->m_token.isEmpty()) { // else the user has just been asked
                             self->m_token = QString::fromUtf8(answer.secret);
+                            self->m_isStored = true;
+                        }
                         self->learned({});
                     });
 }
@@ -101,11 +103,15 @@ bool RemoteDesktopGrant::givesTokens() const {
 
 /// Without a keyring it is good until the program ends.
 void RemoteDesktopGrant::keep(const QString &token) {
-    if (m_token == token)
+    if (m_token == token && m_isStored)
         return;
     m_token = token;
+    m_isStored = false;
     m_secrets->add(AppInfo::keychainService(), account, token.toUtf8(),
-                   [](SecretStore::Outcome) {});
+                   [self = QPointer(this), token](SecretStore::Outcome outcome) {
+                       if (self && self->m_token == token)
+                           self->m_isStored = outcome == SecretStore::Outcome::Done;
+                   });
 }
 
 void RemoteDesktopGrant::forget() {

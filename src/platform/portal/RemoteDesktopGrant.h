@@ -51,5 +51,6 @@ private:
     uint m_version = 0;
     QString m_problem;
     QString m_token;
+    bool m_isStored = false; ///< the keyring holds m_token
     std::vector<std::function<void()>> m_waiting;
 };
