@@ -4,12 +4,15 @@
 #include <QElapsedTimer>
 #include <QFileInfo>
 #include <QSettings>
+#include <QStandardPaths>
 
 namespace {
 
 /// KWin grants nothing to a program that it can't look at, as in a folder of root's alone.
 QList<std::pair<QByteArray, DesktopKind>> desktops() {
     QList<std::pair<QByteArray, DesktopKind>> all{{"sway", DesktopKind::Sway}};
+    if (!QStandardPaths::findExecutable("labwc").isEmpty()) // not in every Debian
+        all.append({"labwc", DesktopKind::Labwc});
     if (QFileInfo(BRINDLE_PROGRAM).isExecutable())
         all.append({"KWin", DesktopKind::KWin});
     else
@@ -190,7 +193,8 @@ private Q_SLOTS:
         const qint64 brindle = scene.brindle->processId();
         for (const qint64 id : scene.desktop.processes()) {
             const QString program = QFile::symLinkTarget(QString("/proc/%1/exe").arg(id));
-            if (program.endsWith("/sway") || program.endsWith("/kwin_wayland"))
+            if (program.endsWith("/sway") || program.endsWith("/labwc") ||
+                program.endsWith("/kwin_wayland"))
                 kill(static_cast<pid_t>(id), SIGKILL);
         }
         if (waitFor([&] { return scene.brindle->state() == QProcess::NotRunning; }, 3000)) {
