@@ -7,7 +7,9 @@ namespace {
 constexpr char configuration[] = R"(<?xml version="1.0"?>
 <labwc_config>
   <keyboard>
-    <keybind key="C-A-W-v"><action name="Execute" command="%1 paste"/></keybind>
+    <keybind key="C-A-W-v" onRelease="yes">
+      <action name="Execute" command="%1 paste"/>
+    </keybind>
   </keyboard>
 </labwc_config>
 )";

@@ -153,6 +153,8 @@ private Q_SLOTS:
     void worksUnderACyrillicLayout_data() { addDesktops(); }
     void worksUnderACyrillicLayout() {
         QFETCH(DesktopKind, kind);
+        if (kind == DesktopKind::Labwc)
+            QSKIP("looks for its bindings by symbol, and there is no Latin one");
         DesktopOptions options = optionsFor(kind);
         options.layouts = kind == DesktopKind::KWin ? "ru,us" : "ru";
         Scene scene(options);
