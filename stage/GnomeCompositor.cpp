@@ -18,11 +18,6 @@ const QString socketName = QStringLiteral("gnome-0");
 const QString settingsService = QStringLiteral("/usr/libexec/dconf-service");
 const QString keyBindings = QStringLiteral("/usr/libexec/gsd-media-keys");
 
-/// What asks must be there before what answers.
-const QStringList portal{QStringLiteral("/usr/libexec/xdg-permission-store"),
-                         QStringLiteral("/usr/libexec/xdg-desktop-portal-gnome"),
-                         QStringLiteral("/usr/libexec/xdg-desktop-portal")};
-
 /// Now and then a start hangs; another one comes up. It takes one to three seconds.
 constexpr int mostStarts = 3;
 constexpr int longestStart = 8000; // milliseconds
@@ -58,7 +53,7 @@ QString inputSources(const QString &layouts) {
 QString GnomeCompositor::missing() {
     if (QStandardPaths::findExecutable(shell).isEmpty())
         return u"gnome-shell is not installed"_s;
-    for (const QString &program : QStringList{settingsService, keyBindings} + portal) {
+    for (const QString &program : {settingsService, keyBindings}) {
         if (!QFileInfo(program).isExecutable())
             return program + u" is not installed"_s;
     }
@@ -83,10 +78,6 @@ GnomeCompositor::GnomeCompositor(DesktopHome &home, const DesktopOptions &option
     environment.insert(u"DISPLAY"_s, m_display);
     admitToXWayland(environment);
     home.begin(keyBindings);
-    if (options.portal) {
-        for (const QString &program : portal)
-            home.begin(program);
-    }
     beginKeyboard(home);
 }
 

@@ -1,6 +1,7 @@
 #include "stage/VirtualDesktop.h"
 
 #include "stage/GnomeCompositor.h"
+#include "stage/GnomePortal.h"
 #include "stage/KWinCompositor.h"
 #include "stage/LabwcCompositor.h"
 #include "stage/MessageBus.h"
@@ -73,6 +74,11 @@ void VirtualDesktop::beginServices(const DesktopOptions &options) {
         m_home.environment().remove(u"NO_AT_BRIDGE"_s);
         m_home.environment().insert(u"QT_LINUX_ACCESSIBILITY_ALWAYS_ON"_s, u"1"_s);
         m_home.begin(u"/usr/libexec/at-spi-bus-launcher"_s, {u"--launch-immediately"_s});
+    }
+    if (options.portal) {
+        if (options.accessibility)
+            awaitName(u"org.a11y.Bus"_s, u"at-spi-bus-launcher"_s); // it looks for it once
+        beginGnomePortal(m_home);
     }
     if (options.notifications)
         m_home.begin(u"dunst"_s, {u"-conf"_s, m_home.write(u"dunstrc"_s, dunstConfig)});

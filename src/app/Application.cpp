@@ -2,6 +2,7 @@
 
 #include "app/ActivationToken.h"
 #include "clipboard/ClipboardRestorer.h"
+#include "desktop/Access.h"
 #include "desktop/CurrentRun.h"
 #include "desktop/HotkeyManager.h"
 #include "desktop/Notify.h"
@@ -73,6 +74,7 @@ Application::Application()
 // ended while the ports and the windows still stand; only then is the clipboard given back.
 Application::~Application() {
     CurrentRun::enter(RunPhase::Ended);
+    m_trayPatience.cancel();
     HotkeyManager::shared().uninstall();
     Platform::current().finish();
     ClipboardRestorer::finishNow();
@@ -83,9 +85,8 @@ void Application::finishLaunching() {
     log(QStringLiteral("app: launched (version %1)").arg(version()));
     for (const QString &choice : std::as_const(Platform::current().choices))
         log(QStringLiteral("platform: ") + choice);
-    Platform::current().lateChoices->tell = [](const QString &choice) {
-        log(QStringLiteral("platform: ") + choice);
-    };
+    Platform::current().followLateChoices(
+        [](const QString &choice) { log(QStringLiteral("platform: ") + choice); });
     Platform::current().defaults->onProblem(
         [](const QString &problem) { log(QStringLiteral("settings: ") + problem); });
     m_statusItem = std::make_unique<StatusItem>(StatusItem::Actions{
@@ -103,6 +104,19 @@ void Application::finishLaunching() {
                      [this] { m_statusItem->setHotkey(shownHotkey()); });
     reinstallHotkey();
     askForMissingCredentials();
+    // Panels may come up after us.
+    constexpr std::chrono::seconds untilAllIsUp(10);
+    m_trayPatience =
+        Platform::current().dispatch->after(untilAllIsUp, &Application::tellWhereItIsWithoutTray);
+}
+
+void Application::tellWhereItIsWithoutTray() {
+    Settings &settings = Settings::shared();
+    if (settings.toldWithoutTray() || Platform::current().trayHost->isAvailable().value_or(false))
+        return;
+    log(QStringLiteral("app: nothing shows status icons here"));
+    Notify::show(AppInfo::displayName(), Access::withoutTray());
+    settings.toldWithoutTray = true;
 }
 
 void Application::askForMissingCredentials() {

@@ -4,6 +4,7 @@
 #include "app/ApplicationService.h"
 #include "app/StatusItem.h"
 #include "desktop/AppDelegate.h"
+#include "platform/Dispatch.h"
 
 #include <memory>
 
@@ -32,10 +33,12 @@ private:
     void showAbout();
     void checkForUpdates();
     void askForMissingCredentials();
+    static void tellWhereItIsWithoutTray();
     AppWindow::MenuActions menuActions();
 
     ApplicationService m_service;
     std::unique_ptr<StatusItem> m_statusItem;
+    WorkItem m_trayPatience;
     std::unique_ptr<AppWindow> m_preferencesWindow; ///< made when first opened, then kept
     std::unique_ptr<AppWindow> m_logsWindow;        ///< likewise
 };

@@ -1,6 +1,7 @@
 #include "app/ApplicationService.h"
 
 #include "app/ActivationToken.h"
+#include "app/DoctorService.h"
 #include "model/AppInfo.h"
 #include "platform/Platform.h"
 
@@ -18,14 +19,17 @@ QString objectPath() {
 
 ApplicationService::ApplicationService(std::function<void()> activate,
                                        QHash<QString, std::function<void()>> actions)
-    : m_activate(std::move(activate)), m_actions(std::move(actions)) {}
+    : m_activate(std::move(activate)), m_actions(std::move(actions)) {
+    new DoctorService(this); // adaptors belong to what they adapt
+}
 
 ApplicationService::Claim ApplicationService::claim() {
     QDBusConnection bus = QDBusConnection::sessionBus();
     if (!bus.isConnected())
         return Claim::Taken;
     // The object first: who sees the name may call it at once.
-    bus.registerObject(objectPath(), this, QDBusConnection::ExportAllSlots);
+    bus.registerObject(objectPath(), this,
+                       QDBusConnection::ExportAllSlots | QDBusConnection::ExportAdaptors);
     if (bus.registerService(AppInfo::bundleIdentifier()))
         return Claim::Taken;
     QDBusMessage activate = QDBusMessage::createMethodCall(

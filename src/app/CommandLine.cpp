@@ -34,6 +34,8 @@ void CommandLine::printHelp() {
            "Without a command it starts, or opens the preferences of the running Brindle.\n\n";
     for (const Verb &verb : verbs)
         printLine(verb.word, verb.help);
+    printLine("doctor", "say what works on this desktop, and what to do where something doesn't");
+    printLine("  --network", "and whether the two hosts that titles come from can be reached");
     printLine("--help", "show this text");
     printLine("--version", "show the version");
 }
@@ -42,5 +44,5 @@ void CommandLine::printUsage() {
     std::cerr << "Usage: brindle [";
     for (const Verb &verb : verbs)
         std::cerr << verb.word << '|';
-    std::cerr << "--help|--version]\n";
+    std::cerr << "doctor [--network]|--help|--version]\n";
 }

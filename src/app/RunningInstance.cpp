@@ -9,6 +9,7 @@ namespace {
 constexpr const char *busName = "org.ostrowind.brindle";
 constexpr const char *objectPath = "/org/ostrowind/brindle";
 constexpr int longestAnswer = 2000; ///< ms
+constexpr int longestLook = 10000;  ///< ms
 constexpr int longestStart = 15;    ///< s, on a machine that has just come up
 
 void stop(void *loop) {
@@ -55,24 +56,54 @@ RunningInstance::RunningInstance() {
 
 RunningInstance::~RunningInstance() = default;
 
-RunningInstance::Answer RunningInstance::call(const char *action, int milliseconds) {
-    if (!m_bus)
-        return Answer::Failed;
+GVariant *RunningInstance::ask(const char *interface, const char *method, GVariant *arguments,
+                               int milliseconds, Answer &answer) {
+    answer = Answer::Failed;
+    if (!m_bus) {
+        g_variant_unref(g_variant_ref_sink(arguments));
+        return nullptr;
+    }
     g_autoptr(GError) error = nullptr;
     // Not started by the bus, which may not know the display.
-    g_autoptr(GVariant) reply = g_dbus_connection_call_sync(
-        m_bus->connection, busName, objectPath, "org.freedesktop.Application", "ActivateAction",
-        g_variant_new("(sav@a{sv})", action, nullptr, platformData()), nullptr,
+    GVariant *reply = g_dbus_connection_call_sync(
+        m_bus->connection, busName, objectPath, interface, method, arguments, nullptr,
         G_DBUS_CALL_FLAGS_NO_AUTO_START, milliseconds, nullptr, &error);
     if (reply)
-        return Answer::Done;
-    if (g_error_matches(error, G_DBUS_ERROR, G_DBUS_ERROR_NAME_HAS_NO_OWNER) ||
-        g_error_matches(error, G_DBUS_ERROR, G_DBUS_ERROR_SERVICE_UNKNOWN))
-        return Answer::NotRunning;
-    if (g_error_matches(error, G_IO_ERROR, G_IO_ERROR_TIMED_OUT))
-        return Answer::Silent;
-    m_problem = error->message;
-    return Answer::Failed;
+        answer = Answer::Done;
+    else if (g_error_matches(error, G_DBUS_ERROR, G_DBUS_ERROR_NAME_HAS_NO_OWNER) ||
+             g_error_matches(error, G_DBUS_ERROR, G_DBUS_ERROR_SERVICE_UNKNOWN))
+        answer = Answer::NotRunning;
+    else if (g_error_matches(error, G_IO_ERROR, G_IO_ERROR_TIMED_OUT))
+        answer = Answer::Silent;
+    else
+        m_problem = error->message;
+    return reply;
+}
+
+RunningInstance::Answer RunningInstance::call(const char *action, int milliseconds) {
+    Answer answer{};
+    g_autoptr(GVariant) reply =
+        ask("org.freedesktop.Application", "ActivateAction",
+            g_variant_new("(sav@a{sv})", action, nullptr, platformData()), milliseconds, answer);
+    return answer;
+}
+
+RunningInstance::Answer RunningInstance::examine(bool network, std::string &report, bool &isGood) {
+    Answer answer{};
+    g_autoptr(GVariant) reply = ask("org.ostrowind.brindle.Doctor", "Examine",
+                                    g_variant_new("(b)", network), longestLook, answer);
+    if (!reply)
+        return answer;
+    if (!g_variant_is_of_type(reply, G_VARIANT_TYPE("(bs)"))) {
+        m_problem = "the running Brindle is of another version";
+        return Answer::Failed;
+    }
+    gboolean good = FALSE;
+    const char *text = nullptr;
+    g_variant_get(reply, "(b&s)", &good, &text);
+    isGood = good;
+    report = text;
+    return answer;
 }
 
 RunningInstance::Answer RunningInstance::activate(const char *action) {

@@ -3,6 +3,8 @@
 #include <memory>
 #include <string>
 
+struct _GVariant;
+
 /// The Brindle that runs in this session, as another process reaches it over the bus, without the
 /// toolkit. One thread.
 class RunningInstance {
@@ -30,7 +32,12 @@ public:
     /// action as soon as it is up.
     Answer startAndActivate(const std::string &program, const char *action);
 
+    /// Has it look at its desktop: its report and whether links can be pasted there.
+    Answer examine(bool network, std::string &report, bool &isGood);
+
 private:
+    _GVariant *ask(const char *interface, const char *method, _GVariant *arguments,
+                   int milliseconds, Answer &answer);
     Answer call(const char *action, int milliseconds);
     void awaitStart(int processId);
 

@@ -1,10 +1,13 @@
 #include "app/StatusItem.h"
 
+#include "desktop/Access.h"
 #include "platform/Platform.h"
 
 #include <QCursor>
 
 StatusItem::StatusItem(const Actions &actions) {
+    m_notice = add({}, actions.openPreferences);
+    m_underNotice = m_menu.addSeparator();
     m_enrichAndPaste = add({}, actions.enrichAndPaste);
     add(QStringLiteral("Enrich Clipboard Only"), actions.enrichOnly);
     m_menu.addSeparator();
@@ -15,6 +18,8 @@ StatusItem::StatusItem(const Actions &actions) {
     add(QStringLiteral("About Brindle"), actions.showAbout);
     add(QStringLiteral("Check for Updates…"), actions.checkForUpdates);
     add(QStringLiteral("Quit"), actions.quit, QKeySequence(QStringLiteral("Ctrl+Q")));
+    connect(&m_menu, &QMenu::aboutToShow, this, &StatusItem::refreshNotice);
+    refreshNotice();
     Platform::current().trayHost->onChange([this] { followHost(); });
 }
 
@@ -34,9 +39,17 @@ void StatusItem::setHotkey(const QString &hotkey) {
                                                : title + QStringLiteral(" (%1)").arg(hotkey));
 }
 
+void StatusItem::refreshNotice() {
+    QString text = Access::notice();
+    m_notice->setVisible(!text.isEmpty());
+    m_underNotice->setVisible(!text.isEmpty());
+    m_notice->setText(text.replace(u'&', QStringLiteral("&&")));
+}
+
 void StatusItem::refreshImage(bool tokenIsAging, bool isFetching) {
     m_tokenIsAging = tokenIsAging;
     m_isFetching = isFetching;
+    refreshNotice(); // panels need not say that they show the menu
     if (m_trayIcon)
         show();
     else

@@ -39,9 +39,12 @@ private:
     QAction *add(const QString &title, std::function<void()> action,
                  const QKeySequence &shortcut = {});
     void followHost();
+    void refreshNotice();
     void show();
 
     QMenu m_menu;
+    QAction *m_notice; ///< what of the desktop is missing; hidden when all is well
+    QAction *m_underNotice;
     QAction *m_enrichAndPaste;
     StatusIcon m_pictures;
     bool m_tokenIsAging = false;

@@ -28,11 +28,26 @@ bool hasDisplay() {
     return false;
 }
 
-int runGui(int argc, char *argv[]) {
+int runGui(const char *function, int argc, char *argv[]) {
     using Run = int (*)(int, char *[]);
     void *gui = dlopen("brindle-gui.so", RTLD_NOW);
-    const auto run = gui ? reinterpret_cast<Run>(dlsym(gui, "runBrindleGui")) : nullptr;
+    const auto run = gui ? reinterpret_cast<Run>(dlsym(gui, function)) : nullptr;
     return run ? run(argc, argv) : fail(dlerror());
+}
+
+/// The running one knows best; without one this process looks for itself.
+int runDoctor(int argc, char *argv[]) {
+    using Answer = RunningInstance::Answer;
+    RunningInstance running;
+    std::string report;
+    bool isGood = false;
+    const Answer answer = running.examine(argc > 2, report, isGood);
+    if (answer == Answer::Silent)
+        return fail("the running Brindle does not answer");
+    if (answer != Answer::Done)
+        return runGui("runBrindleDoctor", argc, argv);
+    std::cout << report;
+    return isGood ? EXIT_SUCCESS : failed;
 }
 
 int carryOut(const CommandLine::Verb &verb) {
@@ -63,8 +78,11 @@ int carryOut(const CommandLine::Verb &verb) {
 
 int main(int argc, char *argv[]) {
     if (argc < 2)
-        return hasDisplay() ? runGui(argc, argv) : fail("no display");
+        return hasDisplay() ? runGui("runBrindleGui", argc, argv) : fail("no display");
     const std::string_view word = argv[1];
+    const bool asksNetwork = argc == 3 && std::string_view(argv[2]) == "--network";
+    if (word == "doctor" && (argc == 2 || asksNetwork))
+        return runDoctor(argc, argv);
     const auto *verb = CommandLine::findVerb(word);
     if (argc > 2 || !(verb || word == "--help" || word == "--version")) {
         CommandLine::printUsage();

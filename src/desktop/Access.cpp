@@ -19,6 +19,16 @@ QString Access::pasteProblem() {
         .arg(access.reason);
 }
 
+QString Access::notice() {
+    // Without a clipboard nothing else matters.
+    for (const QString &text : {clipboardProblem(), pasteProblem()}) {
+        if (!text.isEmpty())
+            return text;
+    }
+    return needsConsent() ? QStringLiteral("Pasting needs your permission on this desktop.")
+                          : QString();
+}
+
 bool Access::needsConsent() {
     return Platform::current().pasteKeys->access().state == PasteAccess::State::NeedsConsent;
 }
@@ -36,4 +46,22 @@ void Access::askForConsent(std::function<void()> done) {
                     : QStringLiteral("access: no permission to paste (%1)").arg(access.reason));
             done();
         });
+}
+
+QString Access::keyringProblem() {
+    return QStringLiteral("No keyring keeps API tokens here. ") + withoutKeyring();
+}
+
+QString Access::withoutKeyring() {
+    return QStringLiteral("Install gnome-keyring, KWallet or KeePassXC, switch its Secret Service "
+                          "on and log in again.");
+}
+
+QString Access::withoutTray() {
+    const QString there = QStringLiteral("Brindle is reached by its hotkey, the actions of its "
+                                         "desktop entry and \"brindle preferences\".");
+    if (!qEnvironmentVariable("XDG_CURRENT_DESKTOP").contains(QStringLiteral("GNOME")))
+        return there;
+    return there + QStringLiteral(" For the icon GNOME needs the extension of the package "
+                                  "gnome-shell-extension-appindicator, switched on.");
 }

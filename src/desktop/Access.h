@@ -14,6 +14,9 @@ QString clipboardProblem();
 /// askForConsent().
 QString pasteProblem();
 
+/// The one line that says what is missing or waits for the user's consent; empty when all is well.
+QString notice();
+
 /// Whether pasting waits for the user's consent.
 bool needsConsent();
 
@@ -24,5 +27,12 @@ QString consentOffer();
 /// Has the desktop ask the user for it; what comes of it is logged. Only when the user has asked
 /// for that.
 void askForConsent(std::function<void()> done);
+
+/// What the user is told where nothing keeps tokens.
+QString keyringProblem();
+
+/// What to do without a keyring, and without anything that shows the status icon.
+QString withoutKeyring();
+QString withoutTray();
 
 } // namespace Access

@@ -96,19 +96,28 @@ struct Fetch {
     std::function<void(const Run &run, const SiteAccess &site)> send;
 };
 
-/// Answers with no text when there is no token or it can't be read.
-void askForToken(const QString &account, std::function<void(const QString &token)> answered) {
+void askForToken(const QString &account,
+                 std::function<void(const Keychain::TokenAnswer &)> answered) {
     CurrentRun::enter(RunPhase::AskingKeyring);
     const auto waitsForUser = [] {
         CurrentRun::enter(RunPhase::WaitingForKeyring);
         tell(QStringLiteral("Keychain is waiting for its password."));
     };
-    Keychain::loadToken(
-        account,
-        [answered = std::move(answered)](const Keychain::TokenAnswer &answer) {
-            answered(answer.token);
-        },
-        waitsForUser);
+    Keychain::loadToken(account, std::move(answered), waitsForUser);
+}
+
+/// The end of a run without a token. Who has no keyring is told what would be one.
+void giveUpWithout(const Keychain::TokenAnswer &token, const Fetch &fetch) {
+    log(QStringLiteral("enrich: no %1 token configured").arg(fetch.product));
+    giveUp();
+    openPreferences();
+    if (token.outcome != Keychain::Outcome::Unavailable) {
+        tell(fetch.tokenMessage);
+        return;
+    }
+    Platform::current().secretStore->findState([fetch](SecretStore::State state) {
+        tell(state == SecretStore::State::None ? Access::keyringProblem() : fetch.tokenMessage);
+    });
 }
 
 /// Sends the fetch unless something is missing, which the user is told.
@@ -121,22 +130,22 @@ void begin(const Fetch &fetch, const Run &asked) {
         return;
     }
     Platform::current().urlSession->warmUp();
-    askForToken(fetch.account, [fetch, site, run = asked](const QString &token) mutable {
-        if (token.isEmpty()) {
-            giveUp(QStringLiteral("enrich: no %1 token configured").arg(fetch.product),
-                   fetch.tokenMessage);
-            openPreferences();
-            return;
-        }
-        if (!mayGoOn(run)) {
-            giveUp();
-            return;
-        }
-        Platform::current().dispatch->toBackground(
-            [fetch, run, access = site.withToken(token)] { fetch.send(run, access); });
-        // The request is under way while the icon is drawn.
-        CurrentRun::enter(RunPhase::Fetching);
-    });
+    askForToken(fetch.account,
+                [fetch, site, run = asked](const Keychain::TokenAnswer &answer) mutable {
+                    const QString token = answer.token;
+                    if (token.isEmpty()) {
+                        giveUpWithout(answer, fetch);
+                        return;
+                    }
+                    if (!mayGoOn(run)) {
+                        giveUp();
+                        return;
+                    }
+                    Platform::current().dispatch->toBackground(
+                        [fetch, run, access = site.withToken(token)] { fetch.send(run, access); });
+                    // The request is under way while the icon is drawn.
+                    CurrentRun::enter(RunPhase::Fetching);
+                });
 }
 
 /// A completion for any thread that has `finish` run on the main one.

@@ -26,6 +26,9 @@ public:
     /// Has on disk what was stored and removed. The end of the store does so as well.
     virtual void flush() = 0;
 
+    /// Whether what is stored can be had on disk at all.
+    virtual bool isWritable() const = 0;
+
     /// Called with a short sentence whenever the store turns out damaged or can't be written; also
     /// at once for trouble met before it was set.
     virtual void onProblem(std::function<void(const QString &)> report) = 0;

@@ -43,6 +43,9 @@ public:
     virtual void bind(const QList<KeyCombo> &all, std::function<void()> pressed,
                       std::function<void()> released, Outcome outcome) = 0;
 
+    /// Whether bind() shows the user nothing.
+    virtual bool bindsSilently() const { return true; }
+
     /// Gives every registration back.
     virtual void unbind() = 0;
 

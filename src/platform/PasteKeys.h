@@ -48,6 +48,9 @@ public:
     /// As far as is known now.
     virtual PasteAccess access() const = 0;
 
+    /// Calls `known` as soon as access() is what the desktop says and no guess.
+    virtual void whenAccessKnown(std::function<void()> known) { known(); }
+
     /// `changed` is called when access() has changed by itself; an empty function ends that.
     virtual void onAccessChange(std::function<void()> changed) { Q_UNUSED(changed) }
 

@@ -18,6 +18,22 @@ void Platform::install(Platform platform) {
     installed() = std::make_unique<Platform>(std::move(platform));
 }
 
+QString Platform::choiceOf(const QString &capability) const {
+    const QString start = capability + QStringLiteral(": ");
+    for (auto choice = choices.crbegin(); choice != choices.crend(); ++choice) {
+        if (choice->startsWith(start))
+            return choice->sliced(start.size());
+    }
+    return {};
+}
+
+void Platform::followLateChoices(std::function<void(const QString &)> tell) {
+    lateChoices->tell = [tell = std::move(tell)](const QString &choice) {
+        current().choices.append(choice);
+        tell(choice);
+    };
+}
+
 void Platform::finish() const {
     urlSession->cancelAll();
     secretStore->cancelAll();

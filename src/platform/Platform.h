@@ -45,10 +45,16 @@ struct Platform {
     std::shared_ptr<UrlSession> urlSession;
     std::shared_ptr<LoginItems> loginItems;
 
-    /// For the log: which backend serves what, and which were passed over and why.
+    /// Which backend serves what, and which were passed over and why.
     QStringList choices = {};
     /// The same of what can be chosen only when the desktop has answered, from then on.
     std::shared_ptr<LateChoices> lateChoices = std::make_shared<LateChoices>();
+
+    /// What serves `capability` and what was passed over and why, in the words of `choices`.
+    QString choiceOf(const QString &capability) const;
+
+    /// Has `choices` take up what is chosen late, and tells it.
+    void followLateChoices(std::function<void(const QString &choice)> tell);
 
     /// The end: calls off whatever is under way and waits until no thread runs any of it. The ports
     /// stay, to be asked for little.

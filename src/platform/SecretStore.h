@@ -21,7 +21,19 @@ public:
         QByteArray secret; ///< only with Done
     };
 
+    /// Where the keyring stands, before anything is asked of it.
+    enum class State {
+        Ready,
+        Locked,
+        Unmade, ///< the first secret makes one, for which the user chooses a password
+        None,   ///< nothing on this desktop keeps secrets
+        Mute,   ///< something should, and has not answered within two seconds
+    };
+
     virtual ~SecretStore() = default;
+
+    /// Looks without asking the user for anything; `done` in a later turn of the event loop.
+    virtual void findState(std::function<void(State)> done) = 0;
 
     /// Adds an item: Done, Refused or Unavailable.
     virtual void add(const QString &service, const QString &account, const QByteArray &secret,

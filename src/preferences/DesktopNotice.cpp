@@ -8,21 +8,6 @@
 #include <QHBoxLayout>
 #include <QPointer>
 
-using namespace Qt::StringLiterals;
-
-namespace {
-
-/// Without a clipboard nothing else matters.
-QString problem() {
-    for (const QString &text : {Access::clipboardProblem(), Access::pasteProblem()}) {
-        if (!text.isEmpty())
-            return text;
-    }
-    return {};
-}
-
-} // namespace
-
 DesktopNotice::DesktopNotice(QWidget *parent) : QWidget(parent), m_ask(new Button({})) {
     auto *row = new QHBoxLayout(this);
     row->setContentsMargins(0, 0, 0, 0);
@@ -38,9 +23,7 @@ DesktopNotice::DesktopNotice(QWidget *parent) : QWidget(parent), m_ask(new Butto
 }
 
 void DesktopNotice::refresh() {
-    QString text = problem();
-    if (text.isEmpty() && Access::needsConsent())
-        text = u"Pasting needs your permission on this desktop."_s;
+    const QString text = Access::notice();
     const QString offer = Access::clipboardProblem().isEmpty() ? Access::consentOffer() : QString();
     m_ask->setText(offer);
     m_ask->setVisible(!offer.isEmpty());

@@ -174,6 +174,10 @@ Settings::Settings()
                                  [](const Defaults &defaults, const QString &key) {
                                      return defaults.boolean(key).value_or(true);
                                  }),
+      toldWithoutTray(*this, QStringLiteral("toldWithoutTray"),
+                      [](const Defaults &defaults, const QString &key) {
+                          return defaults.boolean(key).value_or(false);
+                      }),
       commentEmoji(*this, QStringLiteral("commentEmoji"), text(QStringLiteral(u"\U0001F4AC"))),
       typeEmojiMappings(*this, QStringLiteral("typeEmojiMappings"), loadMappings),
       tokenSavedAt(*this, QStringLiteral("tokenSavedAt"), loadDate) {}

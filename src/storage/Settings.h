@@ -37,6 +37,7 @@ public:
     Setting<PasteFormat> pasteFormat;
     Setting<PasteFormat> accountPasteFormat;
     Setting<bool> restoreClipboardAfterPaste;
+    Setting<bool> toldWithoutTray; ///< where Brindle is to be found without its icon
     Setting<QString> commentEmoji;
     Setting<QList<TypeEmojiMapping>> typeEmojiMappings;
     Setting<std::optional<QDateTime>> tokenSavedAt;

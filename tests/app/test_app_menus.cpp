@@ -24,6 +24,12 @@ QAction *entry(const QWidget *menu, const QString &title) {
     return nullptr;
 }
 
+QAction *shownEntry(const QWidget *menu, qsizetype index) {
+    QList<QAction *> shown = menu->actions();
+    shown.removeIf([](const QAction *action) { return !action->isVisible(); });
+    return shown.value(index);
+}
+
 QMenu *statusMenu() {
     for (QWidget *window : QApplication::topLevelWidgets()) {
         if (entry(window, "Enrich Clipboard Only"))
@@ -85,7 +91,7 @@ private Q_SLOTS:
         application.finishLaunching();
         QMenu *menu = statusMenu();
         QVERIFY(menu);
-        QCOMPARE(menu->actions()[0]->text(), "Enrich && Paste (Ctrl+Alt+Super+V)");
+        QCOMPARE(shownEntry(menu, 0)->text(), "Enrich && Paste (Ctrl+Alt+Super+V)");
         const QString greeting = "Turn copied Jira URLs into rich hyperlinks.\n\nHotkey: ";
         for (const auto &[keyCode, modifiers, hotkey] :
              QList<std::tuple<quint32, quint32, QString>>{{38, 2304, "Alt+Super+J"},
@@ -93,7 +99,7 @@ private Q_SLOTS:
             Settings::shared().hotkeyKeyCode = keyCode;
             Settings::shared().hotkeyModifiers = modifiers;
             application.reinstallHotkey();
-            QCOMPARE(menu->actions()[0]->text(), "Enrich && Paste (" + hotkey + ")");
+            QCOMPARE(shownEntry(menu, 0)->text(), "Enrich && Paste (" + hotkey + ")");
             entry(menu, "About Brindle")->trigger();
             QTRY_VERIFY(!platform.alerts->shown.isEmpty());
             const Alert about = platform.alerts->shown.takeLast();
@@ -102,6 +108,32 @@ private Q_SLOTS:
             QCOMPARE(about.buttons, QStringList("OK"));
             QCOMPARE(about.style, Alert::Style::Informational);
         }
+    }
+
+    void whatIsMissingIsSaidInTheMenuAndOnce() {
+        FakePlatform platform;
+        Settings::shared().email = "ann@h.example";
+        platform.pasteKeys->granted = {PasteAccess::State::NeedsConsent, "not asked"};
+        for (const char *start : {"first", "second"}) {
+            Application application;
+            application.finishLaunching();
+            QVERIFY(shownEntry(statusMenu(), 0)->text() ==
+                    "Pasting needs your permission on this desktop.");
+            platform.takeLog();
+            platform.notifications->shown.clear();
+            platform.dispatch->advance(std::chrono::seconds(10));
+            const bool isFirst = QByteArray(start) == "first";
+            QCOMPARE(platform.takeLog().contains("app: nothing shows status icons here"), isFirst);
+            QCOMPARE(platform.notifications->shown.contains(
+                         "Brindle|Brindle is reached by its hotkey, the actions of its desktop "
+                         "entry and \"brindle preferences\"."),
+                     isFirst);
+        }
+        QCOMPARE(platform.defaults->boolean("toldWithoutTray"), true);
+        platform.pasteKeys->granted = {};
+        Application application;
+        application.finishLaunching();
+        QCOMPARE(shownEntry(statusMenu(), 0)->text(), "Enrich && Paste (⌃⌥⌘V)");
     }
 
     void aHotkeyThatIsNotOursIsShownAsTheDesktopTells() {
@@ -124,7 +156,7 @@ private Q_SLOTS:
             platform.hotkeys->choice = choice;
             platform.hotkeys->unavailable = unavailable;
             application.reinstallHotkey();
-            const QString title = statusMenu()->actions()[0]->text();
+            const QString title = shownEntry(statusMenu(), 0)->text();
             QVERIFY2(title == (hotkey.isEmpty() ? "Enrich && Paste"
                                                 : "Enrich && Paste (" + hotkey + ")"),
                      qPrintable(name + (": " + title)));

@@ -25,7 +25,8 @@ Outcome run(const QStringList &arguments, const QProcessEnvironment &environment
     return {process.exitCode(), process.readAllStandardOutput(), process.readAllStandardError()};
 }
 
-const QString usage = "Usage: brindle [paste|copy|preferences|log|quit|--help|--version]\n";
+const QString usage = "Usage: brindle [paste|copy|preferences|log|quit|doctor [--network]|"
+                      "--help|--version]\n";
 const QString silent = "brindle: the running Brindle does not answer\n";
 
 } // namespace
@@ -45,6 +46,7 @@ private Q_SLOTS:
         QTest::newRow("unknown option") << QStringList("--paste") << 2 << "" << usage;
         QTest::newRow("empty word") << QStringList("") << 2 << "" << usage;
         QTest::newRow("two words") << QStringList{"copy", "paste"} << 2 << "" << usage;
+        QTest::newRow("doctor, two words") << QStringList{"doctor", "paste"} << 2 << "" << usage;
         QTest::newRow("start") << QStringList() << 1 << ""
                                << "brindle: no display\n";
     }
@@ -61,7 +63,8 @@ private Q_SLOTS:
         const Outcome help = run({"--help"});
         QCOMPARE(help.status, 0);
         QVERIFY(help.output.startsWith("Usage: brindle [COMMAND]\n"));
-        for (const char *word : {"paste", "copy", "preferences", "log", "quit", "--version"})
+        for (const char *word :
+             {"paste", "copy", "preferences", "log", "quit", "doctor", "--version"})
             QVERIFY2(help.output.contains(QString("\n  %1 ").arg(word)), word);
     }
 

@@ -125,6 +125,9 @@ private Q_SLOTS:
             scene.pasteKeys->granted.state = PasteAccess::State::NeedsConsent;
             scene.secretStore->secrets = {{"org.ostrowind.brindle/jira-api-token", " "}};
         };
+        const auto noKeyring = [](Scene &scene) {
+            scene.secretStore->failure = SecretStore::Outcome::Unavailable;
+        };
         const auto noTrust = [](Scene &scene) {
             scene.pasteKeys->granted.state = PasteAccess::State::NeedsConsent;
         };
@@ -145,6 +148,11 @@ private Q_SLOTS:
             {"no Confluence token", page, noToken,
              "Confluence API token not set. Add one in Preferences → Connection.",
              "enrich: no Confluence token configured"},
+            {"no keyring", issue, noKeyring,
+             "No keyring keeps API tokens here. Install gnome-keyring, KWallet or KeePassXC, "
+             "switch "
+             "its Secret Service on and log in again.",
+             "enrich: no Jira token configured"},
             {"issue, not allowed", issue, noTrust, {}, access},
             {"record, not allowed", record, noTrust, {}, access},
             {"no clipboard", record, noClipboard, "Brindle can't reach the clipboard: no server.",

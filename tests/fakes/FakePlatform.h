@@ -181,6 +181,9 @@ public:
         else
             shown.append(title + u'|' + body);
     }
+    void findServer(std::function<void(const QString &, const QString &)> done) override {
+        done(failure.isEmpty() ? QStringLiteral("fake 1") : QString(), failure);
+    }
 
     QStringList shown; ///< "title|body"
     QString failure;
@@ -197,6 +200,7 @@ public:
     }
     void set(const QString &key, const QVariant &value) override { stored[key] = value; }
     void remove(const QString &key) override { stored.remove(key); }
+    bool isWritable() const override { return true; }
     void flush() override {
         ++flushes;
         onDisk = stored;
@@ -228,6 +232,9 @@ public:
     void remove(const QString &service, const QString &account,
                 std::function<void(Outcome)> done) override;
     void cancelAll() override { m_requests.clear(); }
+    void findState(std::function<void(State)> done) override {
+        done(failure ? State::None : isLocked ? State::Locked : State::Ready);
+    }
 
     bool isPrompting() const { return m_isPrompting; }
     /// The user unlocks the keyring or dismisses its prompt.

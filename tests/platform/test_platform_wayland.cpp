@@ -400,7 +400,8 @@ private Q_SLOTS:
         QCOMPARE(other.choices[0],
                  "hotkeys: unavailable; not sway IPC (SWAYSOCK is not set); not KGlobalAccel "
                  "(the desktop is not Plasma); not GlobalShortcuts portal "
-                 "(org.freedesktop.portal.Desktop is not on the bus)");
+                 "(org.freedesktop.portal.Desktop is not on the bus); not GNOME's custom shortcuts "
+                 "(the desktop is not GNOME)");
         const auto choice = other.hotkeys->desktopsChoice();
         QCOMPARE(choice->text, "No program can choose a hotkey here. Put this line into the "
                                "configuration of labwc:");

@@ -1,5 +1,6 @@
 #include "contract/HotkeysContract.h"
 #include "contract/PasteboardContract.h"
+#include "contract/XClipboardNeighbours.h"
 #include "platform/qt/QtDispatch.h"
 #include "platform/x11/X11Clipboard.h"
 #include "platform/x11/X11EventSource.h"
@@ -44,31 +45,6 @@ struct Ports {
 };
 
 constexpr KeyCombo ctrlAltSuperV{9, 6400};
-
-/// Programs on an X display.
-class Neighbours : public ClipboardNeighbours {
-public:
-    explicit Neighbours(const VirtualDesktop &desktop) : m_desktop(desktop) {}
-
-    void copy(const QString &text, const QString &html) override {
-        QList<OwnedFlavour> flavours{{"UTF8_STRING", text.toUtf8()}};
-        if (!html.isEmpty())
-            flavours.prepend({"text/html", html.toUtf8()});
-        m_owner = std::make_unique<ClipboardOwner>(m_desktop, flavours);
-    }
-
-    QStringList paste() override {
-        ClipboardReader reader(m_desktop.display(), 15000);
-        QStringList pasted;
-        for (const char *name : {"UTF8_STRING", "text/html"})
-            pasted.append(QString::fromUtf8(reader.data(name).value_or("(nothing)")));
-        return pasted;
-    }
-
-private:
-    const VirtualDesktop &m_desktop;
-    std::unique_ptr<ClipboardOwner> m_owner;
-};
 
 /// The hands on the keyboard of an X display, and the programs that take hotkeys on it.
 class HotkeyUsers : public HotkeyNeighbours {
@@ -135,7 +111,7 @@ private Q_SLOTS:
 
     void contract() {
         QFETCH(QString, row);
-        Neighbours neighbours(*m_desktop);
+        XClipboardNeighbours neighbours(*m_desktop);
         QCOMPARE(PasteboardContract::rows()[row]([] { return Ports().pasteboard; }, neighbours),
                  QString());
     }

@@ -69,7 +69,7 @@ struct Scene : FakePlatform {
     QPushButton *save(int block) const { return find<QPushButton>(*tab, "Save Token", block); }
     QPushButton *test(int block) const { return find<QPushButton>(*tab, "Test Connection", block); }
     QString told(int block) const {
-        const ResultLine *result = tab->findChildren<ResultLine *>().at(block);
+        const ResultLine *result = tab->findChildren<ResultLine *>().at(block + 1);
         return (result->state() == ResultLine::State::Warning ? "! " : "") + result->text();
     }
 
@@ -279,6 +279,9 @@ private Q_SLOTS:
         scene.secretStore->secrets[secret[0]] = "old";
         scene.secretStore->failure = SecretStore::Outcome::Unavailable;
         scene.open();
+        QCOMPARE(scene.told(-1),
+                 "! No keyring keeps API tokens here. Install gnome-keyring, KWallet "
+                 "or KeePassXC, switch its Secret Service on and log in again.");
         QCOMPARE(scene.told(0), "! Failed to read token from Keychain.");
         click(scene.save(0));
         scene.dispatch->drain();

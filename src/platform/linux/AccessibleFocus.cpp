@@ -7,9 +7,11 @@
 #include <QDBusObjectPath>
 #include <QDBusPendingCall>
 #include <QDBusPendingReply>
+#include <QDBusVariant>
 #include <QList>
 #include <QString>
 
+#include <atomic>
 #include <optional>
 
 namespace {
@@ -61,8 +63,11 @@ public:
                          QDBus::Block, timeLeft());
         if (address.type() != QDBusMessage::ReplyMessage)
             return false;
-        m_bus = QDBusConnection::connectToBus(address.arguments().value(0).toString(),
-                                              QStringLiteral("brindle-accessibility"));
+        // Of its own, since two looks may be under way.
+        static std::atomic<int> looks;
+        m_bus =
+            QDBusConnection::connectToBus(address.arguments().value(0).toString(),
+                                          QStringLiteral("brindle-accessibility-%1").arg(++looks));
         return m_bus->isConnected();
     }
 
@@ -111,6 +116,16 @@ public:
         return reply.isError() ? 0 : reply.value();
     }
 
+    QString name(const Object &object) {
+        QDBusMessage message = QDBusMessage::createMethodCall(
+            object.service, object.path, QStringLiteral("org.freedesktop.DBus.Properties"),
+            QStringLiteral("Get"));
+        message << accessibleInterface << QStringLiteral("Name");
+        QDBusPendingReply<QDBusVariant> reply = m_bus->asyncCall(message, timeLeft());
+        reply.waitForFinished();
+        return reply.isError() ? QString() : reply.value().variant().toString();
+    }
+
     bool isOver() const { return Clock::now() >= m_deadline; }
 
 private:
@@ -130,16 +145,21 @@ private:
     std::optional<QDBusConnection> m_bus;
 };
 
-/// The focused object below the active window, found level by level among what is showing.
-std::optional<Object> focusedObject(Look &look) {
+QList<Object> activeWindows(Look &look) {
     const Object registry{QStringLiteral("org.a11y.atspi.Registry"), rootPath};
     const QList<Object> windows = look.children(look.children({registry}));
-    const auto windowStates = look.states(windows);
-    QList<Object> level;
+    const auto states = look.states(windows);
+    QList<Object> active;
     for (qsizetype i = 0; i < windows.size(); ++i) {
-        if (hasState(windowStates[i], activeState))
-            level.append(windows[i]);
+        if (hasState(states[i], activeState))
+            active.append(windows[i]);
     }
+    return active;
+}
+
+/// The focused object below the active window, found level by level among what is showing.
+std::optional<Object> focusedObject(Look &look) {
+    QList<Object> level = activeWindows(look);
     std::optional<Object> focused;
     for (int depth = 0; depth < deepest && !level.isEmpty() && !look.isOver(); ++depth) {
         const QList<Object> objects = look.children(level);
@@ -165,4 +185,11 @@ bool AccessibleFocus::isPasswordField(std::chrono::milliseconds deadline) {
         return false;
     const auto focused = focusedObject(look);
     return focused && look.role(*focused) == passwordTextRole;
+}
+
+QString AccessibleFocus::activeApplication(std::chrono::milliseconds deadline) {
+    Look look(deadline);
+    const QList<Object> windows = look.connect() ? activeWindows(look) : QList<Object>();
+    // More than one calls itself active only while the focus moves.
+    return windows.size() == 1 ? look.name({windows.constFirst().service, rootPath}) : QString();
 }

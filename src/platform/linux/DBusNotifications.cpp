@@ -6,6 +6,7 @@
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
+#include <QTimer>
 #include <QVariantMap>
 
 namespace {
@@ -62,5 +63,24 @@ void DBusNotifications::send(const QString &title, const QString &body, bool mar
         // Another server may answer the next one, with other capabilities.
         m_takesMarkup.reset();
         failed(sent->error().message());
+    });
+}
+
+void DBusNotifications::findServer(std::function<void(const QString &, const QString &)> done) {
+    if (!QDBusConnection::sessionBus().isConnected()) { // it would never answer
+        QTimer::singleShot(
+            0, this, [done = std::move(done)] { done({}, QStringLiteral("no session bus")); });
+        return;
+    }
+    auto *asked = new QDBusPendingCallWatcher(
+        QDBusConnection::sessionBus().asyncCall(call(QStringLiteral("GetServerInformation"))),
+        this);
+    connect(asked, &QDBusPendingCallWatcher::finished, this, [done = std::move(done), asked] {
+        asked->deleteLater();
+        const QDBusPendingReply<QString, QString, QString, QString> server = *asked;
+        if (server.isError())
+            done({}, server.error().message());
+        else
+            done(server.argumentAt<0>() + u' ' + server.argumentAt<2>(), {});
     });
 }

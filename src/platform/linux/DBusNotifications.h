@@ -14,6 +14,7 @@ class DBusNotifications : public QObject, public Notifications {
 public:
     void show(const QString &title, const QString &body,
               std::function<void(const QString &)> failed) override;
+    void findServer(std::function<void(const QString &, const QString &)> done) override;
 
 private:
     void send(const QString &title, const QString &body, bool markup,

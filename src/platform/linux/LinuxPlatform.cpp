@@ -3,6 +3,7 @@
 #include "platform/Unavailable.h"
 #include "platform/gnome/GnomeBackends.h"
 #include "platform/kde/KdeBackends.h"
+#include "platform/linux/AccessibleFrontWindow.h"
 #include "platform/linux/AutostartEntry.h"
 #include "platform/linux/Candidates.h"
 #include "platform/linux/DBusNotifications.h"
@@ -88,9 +89,12 @@ void useX11(Platform &platform) {
 
 #ifdef BRINDLE_WAYLAND
 /// The clipboard of a compositor that offers no data-control, through its X server: some, GNOME's
-/// among them, mirror it there whatever is in front.
+/// among them, mirror it there whatever is in front. It may start only when we connect.
 Result<std::shared_ptr<Pasteboard>> throughXWayland(const Platform &platform) {
-    return X11Backends(platform.dispatch).pasteboard();
+    if (qEnvironmentVariableIsEmpty("DISPLAY"))
+        return Result<std::shared_ptr<Pasteboard>>::failure(
+            QStringLiteral("the compositor runs no X server"));
+    return X11Backends(platform.dispatch).pasteboardLater();
 }
 
 const QString portalShortcuts = QStringLiteral("GlobalShortcuts portal");
@@ -111,6 +115,11 @@ hotkeysOfPortal(PortalBackends &portal, const Platform &platform,
     };
     return portal.globalShortcuts(platform.defaults, CompositorHotkeys({}).desktopsChoice(),
                                   otherwise);
+}
+
+/// As far as applications describe themselves to assistive technology.
+Result<std::shared_ptr<FrontWindow>> accessibleFrontWindow(const Platform &platform) {
+    return std::shared_ptr<FrontWindow>(std::make_shared<AccessibleFrontWindow>(platform.dispatch));
 }
 
 /// How the portal's keys learn that the user's are up.
@@ -156,6 +165,9 @@ void useWayland(Platform &platform, WaylandBackends &wayland) {
     candidates.pasteKeys.push_back(
         {QStringLiteral("RemoteDesktop portal"),
          [&] { return portal.remoteDesktop(heldKeysOf(kde, portal, platform), {}); }});
+    if (GnomeBackends::isDesktop())
+        candidates.frontWindow.push_back(
+            {QStringLiteral("accessibility bus"), [&] { return accessibleFrontWindow(platform); }});
     choose(platform, candidates);
     platform.secureInput = makeSecureInput(platform.dispatch, nullptr);
     platform.trayHost = std::make_shared<StatusNotifierTrayHost>(nullptr);

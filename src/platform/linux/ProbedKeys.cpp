@@ -22,6 +22,7 @@ ProbedKeys::ProbedKeys(std::shared_ptr<KeyProbe> probe, std::shared_ptr<Dispatch
 }
 
 ProbedKeys::~ProbedKeys() {
+    m_probe->isWanted = false;
     m_probe->fired = nullptr;
     m_next.cancel();
 }

@@ -1,5 +1,7 @@
 #include "platform/linux/SecretServiceStore.h"
 
+#include "platform/linux/SecretServiceState.h"
+
 #include <condition_variable>
 #include <deque>
 #include <mutex>
@@ -192,4 +194,8 @@ void SecretServiceStore::answered(quint64 number, const Answer &answer) {
     auto waiting = m_waiting.extract(number);
     if (waiting)
         waiting.mapped().done(answer);
+}
+
+void SecretServiceStore::findState(std::function<void(State)> done) {
+    SecretServiceState::find(std::move(done));
 }

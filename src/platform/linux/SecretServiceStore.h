@@ -16,6 +16,8 @@ public:
                                 const SecretServiceCalls::Limits &limits = {});
     ~SecretServiceStore() override;
 
+    void findState(std::function<void(State)> done) override;
+
     void add(const QString &service, const QString &account, const QByteArray &secret,
              std::function<void(Outcome)> done) override;
     void copy(const QString &service, const QString &account,

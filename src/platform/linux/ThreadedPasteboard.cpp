@@ -10,14 +10,20 @@ namespace {
 /// the server gives up earlier when nothing moves.
 constexpr std::chrono::milliseconds longestFinish{3500};
 
+QString noAnswer(std::chrono::milliseconds limit) {
+    return QStringLiteral("it did not answer within %1 ms").arg(limit.count());
+}
+
 } // namespace
 
 /// What both threads use.
 struct ThreadedPasteboard::Shared {
-    ClipboardServer *server = nullptr; ///< the thread's
-    std::promise<QString> problem;     ///< kept by the thread
-    std::function<void()> changed;     ///< the main thread's
-    std::mutex mutex;                  ///< guards what follows
+    ClipboardServer *server = nullptr;        ///< the thread's
+    std::promise<QString> problem;            ///< kept by the thread
+    std::function<void()> changed;            ///< the main thread's
+    bool isServed = false;                    ///< the main thread's: the server has answered
+    std::vector<std::shared_ptr<Read>> early; ///< the main thread's: asked before that
+    std::mutex mutex;                         ///< guards what follows
     PasteboardUse use;
     QString trouble; ///< why the server serves no longer
     bool newsIsPosted = false;
@@ -49,6 +55,12 @@ ThreadedPasteboard::ThreadedPasteboard(std::shared_ptr<Dispatch> dispatch, MakeS
           });
           shared->server = server.get();
           shared->problem.set_value(server->problem());
+          dispatch->toMain([shared, problem = server->problem()] {
+              shared->isServed = true;
+              shared->early.clear();
+              const std::scoped_lock lock(shared->mutex);
+              shared->trouble = problem;
+          });
           return server;
       }) {}
 
@@ -58,8 +70,21 @@ ThreadedPasteboard::~ThreadedPasteboard() {
 
 QString ThreadedPasteboard::problem(std::chrono::milliseconds limit) {
     if (m_problem.wait_for(limit) != std::future_status::ready)
-        return QStringLiteral("it did not answer within %1 ms").arg(limit.count());
+        return noAnswer(limit);
     return m_problem.get();
+}
+
+void ThreadedPasteboard::awaitServer(std::chrono::milliseconds limit) {
+    m_dispatch->after(limit, [shared = m_shared, limit] {
+        if (shared->isServed)
+            return;
+        {
+            const std::scoped_lock lock(shared->mutex);
+            shared->trouble = noAnswer(limit);
+        }
+        for (const auto &read : std::exchange(shared->early, {}))
+            std::exchange(*read, nullptr)({});
+    });
 }
 
 bool ThreadedPasteboard::hasAnswered() const {
@@ -73,8 +98,14 @@ QString ThreadedPasteboard::unavailableBecause() const {
 }
 
 void ThreadedPasteboard::read(Read done) {
-    m_thread.post([shared = m_shared, dispatch = m_dispatch, done = std::move(done)] {
-        dispatch->toMain([done, contents = shared->server->read()] { done(contents); });
+    const auto waiting = std::make_shared<Read>(std::move(done));
+    if (!m_shared->isServed)
+        m_shared->early.push_back(waiting);
+    m_thread.post([shared = m_shared, dispatch = m_dispatch, waiting] {
+        dispatch->toMain([waiting, contents = shared->server->read()] {
+            if (const auto tell = std::exchange(*waiting, nullptr))
+                tell(contents);
+        });
     });
 }
 
@@ -111,6 +142,8 @@ void ThreadedPasteboard::onUseChange(std::function<void()> changed) {
 }
 
 void ThreadedPasteboard::finish(const QList<PasteboardItem> &original) {
+    if (!hasAnswered()) // nothing was ever written
+        return;
     const auto finished = std::make_shared<std::promise<void>>();
     m_thread.finishWith([shared = m_shared, original, finished] {
         ClipboardServer &server = *shared->server;

@@ -20,6 +20,10 @@ public:
     /// Waits until the server has reached its desktop, `limit` at most; then why it could not.
     QString problem(std::chrono::milliseconds limit);
 
+    /// Instead of problem(): what is asked before the server has answered is done then. If it has
+    /// not by `limit`, unavailableBecause() says so, and what waits is answered with nothing.
+    void awaitServer(std::chrono::milliseconds limit);
+
     /// Whether the server has reached its desktop or given up. As long as it has not, this must not
     /// be destroyed: its thread can't be ended.
     bool hasAnswered() const;

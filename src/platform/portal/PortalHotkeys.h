@@ -32,6 +32,7 @@ public:
     QString unavailableBecause() const override { return m_problem; }
     void bind(const QList<KeyCombo> &all, std::function<void()> pressed,
               std::function<void()> released, Outcome outcome) override;
+    bool bindsSilently() const override { return false; }
     void unbind() override;
     /// The portal's own words for the keys, once it has told them.
     std::optional<DesktopsChoice> desktopsChoice() const override;

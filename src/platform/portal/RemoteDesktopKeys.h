@@ -30,6 +30,7 @@ public:
 
     /// Ready until the desktop has said otherwise: a paste waits for that.
     PasteAccess access() const override;
+    void whenAccessKnown(std::function<void()> known) override { m_grant.whenKnown(known); }
     void onAccessChange(std::function<void()> changed) override;
     void requestAccess(std::function<void(const PasteAccess &)> done) override;
     std::optional<KeyLayout> layout() override;

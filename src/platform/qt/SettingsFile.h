@@ -21,6 +21,7 @@ public:
     void set(const QString &key, const QVariant &value) override;
     void remove(const QString &key) override;
     void flush() override;
+    bool isWritable() const override { return m_file.isWritable(); }
     void onProblem(std::function<void(const QString &)> report) override;
 
 private:

@@ -12,16 +12,25 @@ namespace {
 /// A server that does not answer by then is not there.
 constexpr std::chrono::seconds longestConnect{2};
 
+/// A compositor may fail to bring its X server up, and then nobody ever answers. The thread that
+/// waits can't be ended; it is left behind with what it uses.
+void endIfPossible(ThreadedPasteboard *pasteboard) {
+    if (pasteboard->hasAnswered())
+        delete pasteboard;
+}
+
 const QString noServer = QStringLiteral("no X server answers");
 
 } // namespace
 
 X11Backends::X11Backends(std::shared_ptr<Dispatch> dispatch)
     : m_dispatch(std::move(dispatch)),
-      m_pasteboard(std::make_shared<ThreadedPasteboard>(
-          m_dispatch, [](int interrupt, ThreadedPasteboard::News news) {
-              return std::make_unique<X11Clipboard>(interrupt, std::move(news));
-          })) {}
+      m_pasteboard(new ThreadedPasteboard(m_dispatch,
+                                          [](int interrupt, ThreadedPasteboard::News news) {
+                                              return std::make_unique<X11Clipboard>(
+                                                  interrupt, std::move(news));
+                                          }),
+                   endIfPossible) {}
 
 X11Backends::~X11Backends() = default;
 
@@ -39,13 +48,14 @@ std::shared_ptr<X11Hotkeys> X11Backends::grabs() {
 
 Result<std::shared_ptr<Pasteboard>> X11Backends::pasteboard() {
     const QString problem = m_pasteboard->problem(longestConnect);
-    // A compositor may fail to bring its X server up, and then nobody ever answers. The thread that
-    // waits can't be ended; it is left behind with what it uses.
-    if (!m_pasteboard->hasAnswered()) [[maybe_unused]]
-        const auto *leftBehind = new std::shared_ptr(m_pasteboard);
     if (!problem.isEmpty())
         return Result<std::shared_ptr<Pasteboard>>::failure(problem);
     return std::shared_ptr<Pasteboard>(m_pasteboard);
+}
+
+std::shared_ptr<Pasteboard> X11Backends::pasteboardLater() {
+    m_pasteboard->awaitServer(longestConnect);
+    return m_pasteboard;
 }
 
 Result<std::shared_ptr<Hotkeys>> X11Backends::hotkeys() {

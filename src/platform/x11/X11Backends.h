@@ -23,6 +23,8 @@ public:
     ~X11Backends();
 
     Result<std::shared_ptr<Pasteboard>> pasteboard();
+    /// The same without waiting for the server, which may only be starting.
+    std::shared_ptr<Pasteboard> pasteboardLater();
     Result<std::shared_ptr<Hotkeys>> hotkeys();
     Result<std::shared_ptr<PasteKeys>> pasteKeys();
     Result<std::shared_ptr<FrontWindow>> frontWindow();

@@ -1,5 +1,6 @@
 #include "preferences/connection/ConnectionTab.h"
 
+#include "desktop/Access.h"
 #include "platform/Platform.h"
 #include "preferences/connection/Addresses.h"
 #include "preferences/connection/TokenBlock.h"
@@ -7,10 +8,12 @@
 #include "preferences/kit/Divider.h"
 #include "preferences/kit/Labels.h"
 #include "preferences/kit/LinkButton.h"
+#include "preferences/kit/ResultLine.h"
 #include "preferences/kit/Style.h"
 #include "storage/LogStore.h"
 #include "storage/Settings.h"
 
+#include <QPointer>
 #include <QUrl>
 #include <QVBoxLayout>
 
@@ -44,7 +47,7 @@ QLayout *settingField(const QString &title, const QString &prompt, Setting<QStri
 
 } // namespace
 
-ConnectionTab::ConnectionTab(QWidget *parent) : QWidget(parent) {
+ConnectionTab::ConnectionTab(QWidget *parent) : QWidget(parent), m_keyring(new ResultLine) {
     auto *manageTokens =
         new LinkButton(u"Create or manage API tokens at "_s + Addresses::accountSite());
     manageTokens->setToolTip(u"Opens the Atlassian API tokens page in your browser."_s);
@@ -61,9 +64,23 @@ ConnectionTab::ConnectionTab(QWidget *parent) : QWidget(parent) {
     site->addLayout(settingField(u"Atlassian Email"_s, Addresses::exampleEmail(), settings.email));
     site->addWidget(manageTokens, 0, Qt::AlignLeft);
     column->addLayout(site);
+    column->addWidget(m_keyring);
     column->addWidget(new Divider(faint));
     column->addWidget(new TokenBlock(ConnectionTest::Product::Jira));
     column->addWidget(new Divider(faint));
     column->addWidget(new TokenBlock(ConnectionTest::Product::Confluence));
     column->addStretch();
+}
+
+// At each look, since a keyring may have come meanwhile.
+void ConnectionTab::showEvent(QShowEvent *event) {
+    QWidget::showEvent(event);
+    Platform::current().secretStore->findState(
+        [line = QPointer(m_keyring)](SecretStore::State state) {
+            if (!line)
+                return;
+            const bool isThere = state != SecretStore::State::None;
+            line->setResult(isThere ? ResultLine::State::Idle : ResultLine::State::Warning,
+                            isThere ? QString() : Access::keyringProblem());
+        });
 }
