@@ -8,13 +8,14 @@ enum class DesktopKind {
     X11,   ///< an X server
     Sway,  ///< a Wayland compositor, with XWayland
     KWin,  ///< KDE's one, with XWayland
+    Labwc, ///< a Wayland compositor that binds no keys for programs, with XWayland
     Gnome, ///< GNOME's one, with XWayland and the daemon of its key bindings
 };
 
 /// Whether programs without a window reach the clipboard through the compositor; where they don't,
 /// they do through the X server.
 constexpr bool hasDataControl(DesktopKind kind) {
-    return kind == DesktopKind::Sway || kind == DesktopKind::KWin;
+    return kind != DesktopKind::X11 && kind != DesktopKind::Gnome;
 }
 
 /// What a VirtualDesktop is made of.

@@ -3,6 +3,7 @@
 #include "stage/GnomeCompositor.h"
 #include "stage/GnomePortal.h"
 #include "stage/KWinCompositor.h"
+#include "stage/LabwcCompositor.h"
 #include "stage/MessageBus.h"
 #include "stage/SwayCompositor.h"
 #include "stage/XScreen.h"
@@ -24,6 +25,8 @@ std::unique_ptr<Screen> makeScreen(DesktopHome &home, const DesktopOptions &opti
     switch (options.kind) {
     case DesktopKind::Sway:
         return std::make_unique<SwayCompositor>(home, options);
+    case DesktopKind::Labwc:
+        return std::make_unique<LabwcCompositor>(home, options);
     case DesktopKind::KWin:
         return std::make_unique<KWinCompositor>(home, options);
     case DesktopKind::Gnome:

@@ -53,8 +53,7 @@ bool obeys(XConnection &x) {
 
 } // namespace
 
-XScreen::XScreen(DesktopHome &home, const DesktopOptions &options)
-    : m_home(home), m_hasWindowManager(options.windowManager) {
+XScreen::XScreen(DesktopHome &home, const DesktopOptions &options) : m_home(home) {
     home.environment().insert(u"XDG_SESSION_TYPE"_s, u"x11"_s);
     home.environment().insert(u"QT_QPA_PLATFORM"_s, u"xcb"_s);
     const QStringList common{u"-displayfd"_s, u"1"_s, u"-noreset"_s, u"-nolisten"_s, u"tcp"_s};
@@ -73,17 +72,25 @@ XScreen::XScreen(DesktopHome &home, const DesktopOptions &options)
         return;
     if (options.physicalKeyboard)
         keepAwake();
-    if (m_hasWindowManager)
-        home.begin(u"openbox"_s, {u"--sm-disable"_s, u"--config-file"_s,
-                                  home.write(u"openbox.xml"_s, openboxConfig)});
+    if (options.windowManager)
+        beginWindowManager();
+}
+
+void XScreen::beginWindowManager() {
+    const QString another = qEnvironmentVariable("BRINDLE_STAGE_WINDOW_MANAGER");
+    m_windowManager = another.isEmpty() ? u"openbox"_s : u"sh"_s;
+    m_home.begin(m_windowManager, another.isEmpty()
+                                      ? QStringList{u"--sm-disable"_s, u"--config-file"_s,
+                                                    m_home.write(u"openbox.xml"_s, openboxConfig)}
+                                      : QStringList{u"-c"_s, another});
 }
 
 void XScreen::awaitReady() {
-    if (!m_hasWindowManager)
+    if (m_windowManager.isEmpty())
         return;
     XConnection x(m_display);
     if (!waitFor([&] { return x.isValid() && obeys(x); }))
-        m_home.fail(u"openbox"_s, u"does not manage the display"_s);
+        m_home.fail(m_windowManager, u"does not manage the display"_s);
 }
 
 QString XScreen::beginDisplay(const QString &program, const QStringList &arguments) {

@@ -7,7 +7,8 @@
 
 #include <QTimer>
 
-/// An X server with a window manager, inside another one if asked for a physical keyboard.
+/// An X server with a window manager, inside another one if asked for a physical keyboard. The
+/// window manager is openbox, or what the shell makes of BRINDLE_STAGE_WINDOW_MANAGER.
 class XScreen : public Screen {
 public:
     XScreen(DesktopHome &home, const DesktopOptions &options);
@@ -18,11 +19,11 @@ public:
 
 private:
     QString beginDisplay(const QString &program, const QStringList &arguments);
+    void beginWindowManager();
     void keepAwake();
 
     DesktopHome &m_home;
-    bool m_hasWindowManager;
     std::unique_ptr<XConnection> m_inner; ///< only with a display inside another one
     QTimer m_awake;
-    QString m_display, m_outerDisplay;
+    QString m_display, m_outerDisplay, m_windowManager;
 };

@@ -8,6 +8,8 @@ TEST_PACKAGES="$DEMO_PACKAGES clang-format xserver-xephyr xdotool dunst gnome-ke
     dbus x11-xserver-utils x11-xkb-utils python3 libsecret-tools trayer sway kwin-wayland
     xwayland foot wl-clipboard python3-gi gir1.2-gtk-3.0 gnome-shell gnome-settings-daemon
     dconf-gsettings-backend xdg-desktop-portal-gnome"
+# Plasma's shortcuts as a program of their own: Debian 12's KWin brings it along.
+[ "$(. /etc/os-release && echo "${VERSION_ID-}")" = 12 ] || TEST_PACKAGES="$TEST_PACKAGES kglobalacceld"
 FUZZ_PACKAGES="clang libclang-rt-dev"
 
 # ensure_packages NAME...: installs those that are missing, as root or through sudo.

@@ -64,7 +64,7 @@ public:
     virtual void prepare() {}
 
     /// Waits until the keys that the user holds would not get into the way of a paste, a second at
-    /// most; at once where held keys do no harm.
+    /// most where it can let go of them for the user; at once where held keys do no harm.
     virtual void settle(std::function<void()> done) = 0;
 
     /// Presses and releases `chord`; false when that was not possible.

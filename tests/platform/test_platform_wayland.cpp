@@ -406,7 +406,8 @@ private Q_SLOTS:
         QCOMPARE(choice->text, "No program can choose a hotkey here. Put this line into the "
                                "configuration of labwc:");
         QCOMPARE(choice->line,
-                 "<keybind key=\"C-A-W-v\"><action name=\"Execute\" command=\"brindle paste\"/>"
+                 "<keybind key=\"C-A-W-v\" onRelease=\"yes\"><action name=\"Execute\" "
+                 "command=\"brindle paste\"/>"
                  "</keybind>");
         qputenv("XDG_CURRENT_DESKTOP", "unheard-of");
         QCOMPARE(other.hotkeys->desktopsChoice()->text,

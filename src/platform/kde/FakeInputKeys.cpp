@@ -10,8 +10,10 @@
 
 namespace {
 
-/// How long a user may go on holding the hotkey.
-constexpr std::chrono::milliseconds longestHold{1000};
+/// How long a user may go on holding the hotkey where KWin tells of it. Such a KWin counts who
+/// holds a key, so that nobody lets go of it for the user, and paste keys pressed with it paste
+/// nothing.
+constexpr std::chrono::seconds longestHold{10};
 
 constexpr uint32_t modifierKeys[] = {KEY_LEFTCTRL, KEY_RIGHTCTRL, KEY_LEFTSHIFT, KEY_RIGHTSHIFT,
                                      KEY_LEFTALT,  KEY_RIGHTALT,  KEY_LEFTMETA,  KEY_RIGHTMETA};

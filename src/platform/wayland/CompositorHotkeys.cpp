@@ -11,8 +11,8 @@ struct Line {
 
 constexpr Line lines[] = {
     {"Hyprland", "bind = CTRL ALT SUPER, V, exec, brindle paste"},
-    {"labwc", "<keybind key=\"C-A-W-v\"><action name=\"Execute\" command=\"brindle paste\"/>"
-              "</keybind>"},
+    {"labwc", "<keybind key=\"C-A-W-v\" onRelease=\"yes\"><action name=\"Execute\" "
+              "command=\"brindle paste\"/></keybind>"},
     {"niri", "Ctrl+Alt+Super+V { spawn \"brindle\" \"paste\"; }"},
     {"river", "riverctl map normal Control+Alt+Super V spawn 'brindle paste'"},
     {"sway", "bindsym --to-code Ctrl+Mod1+Mod4+v exec brindle paste"},
