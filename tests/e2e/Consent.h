@@ -19,16 +19,19 @@ inline bool answerTheDesktop(Scene &scene, bool allows) {
     };
     if (!scene.brindle->activate("preferences"))
         return false;
-    // The dialog may lose the first keys, and is asked for again then.
-    for (int times = 0; times < 3; ++times) {
+    // The dialog lets a key down that comes before it has drawn what the one before has changed. It
+    // is asked for again then.
+    for (const int between : {100, 300, 900}) {
         const Node ask = reader.find("push button", offer);
         if (ask.path.isEmpty() || !ask.act())
             return false;
         const Node dialog = reader.find("window", question);
         if (!waitFor([&] { return dialog.is(Node::active); }))
             qWarning("the desktop's question is not in front");
-        for (const int key : allows ? yes : QList<int>{KEY_ESC})
+        for (const int key : allows ? yes : QList<int>{KEY_ESC}) {
             scene.keys.tap(keyCode(key));
+            QTest::qWait(between);
+        }
         if (waitFor(isGone, 5000))
             return true;
         qWarning("the desktop's question stays");
