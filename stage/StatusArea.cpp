@@ -111,6 +111,8 @@ QList<StatusArea::Entry> StatusArea::entries() const {
         entry.beginStructure();
         entry >> id >> properties;
         entry.endStructure();
+        if (!properties.value("visible", true).toBool())
+            continue;
         const bool isSeparator = properties.value("type") == "separator";
         // Underscores mark keys; a doubled one is an underscore.
         QString title = properties.value("label").toString();

@@ -28,7 +28,8 @@ struct Scene {
 
     void start(QMap<QString, QString> settings = {}, const QString &program = BRINDLE_PROGRAM,
                const QStringList &arguments = {}) {
-        settings.insert({{"jiraEmail", "ann@h.example"}, {"accountBaseURL", "https://r.example/"},
+        settings.insert({{"jiraEmail", "ann@h.example"},
+                         {"accountBaseURL", "https://r.example/"},
                          {"toldWithoutTray", "true"}});
         brindle = std::make_unique<BrindleProcess>(desktop, settings, program, arguments);
     }

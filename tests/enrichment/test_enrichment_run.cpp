@@ -171,7 +171,8 @@ private Q_SLOTS:
             const QStringList log = scene.takeLog();
             const qsizetype place = log.size() - (message.isEmpty() ? 1 : 2);
             QCOMPARE(row + log.value(place), row + logged);
-            const bool opens = row.contains("email") || row.contains("token");
+            const bool opens =
+                row.contains("email") || row.contains("token") || row.contains("keyring");
             QCOMPARE(row + QString::number(scene.app.preferencesOpened),
                      row + QString::number(opens ? 1 : 0));
             QCOMPARE(scene.alerts->shown.size(), message.isEmpty() ? 1 : 0);

@@ -100,11 +100,11 @@ private Q_SLOTS:
             (QStringList{
                 "hotkeys: GNOME's custom shortcuts; not sway IPC (SWAYSOCK is not set); not "
                 "KGlobalAccel (the desktop is not Plasma); not GlobalShortcuts portal "
-                "(org.freedesktop.portal.Desktop is not on the bus)",
+                "(the desktop has no portal: org.freedesktop.portal.Desktop is not on the bus)",
                 "paste keys: unavailable; not virtual keyboard (the compositor offers no virtual "
                 "keyboard); not fake input (the compositor lets this program press no keys; KWin "
                 "does when its desktop entry is installed); not RemoteDesktop portal "
-                "(org.freedesktop.portal.Desktop is not on the bus)",
+                "(the desktop has no portal: org.freedesktop.portal.Desktop is not on the bus)",
                 "front window: accessibility bus; not foreign toplevel (the compositor tells no "
                 "program what windows there are); not Plasma's windows (the compositor does not "
                 "tell this program what windows there are)",
@@ -203,7 +203,8 @@ private Q_SLOTS:
 
     void keysAreUpWhenNoneIsHeld() {
         Presses presses(m_running);
-        ProbedKeys keys(presses.probe, std::make_shared<QtDispatch>());
+        ProbedKeys keys(presses.probe, std::make_shared<HotkeyHold>(),
+                        std::make_shared<QtDispatch>());
         const auto isUp = [&](int milliseconds) {
             auto up = std::make_shared<bool>(false);
             keys.await([&](int code) { m_keys.tap(keyCode(code)); }, [up] { *up = true; });
