@@ -114,6 +114,9 @@ private Q_SLOTS:
                                                 << "ann" << true;
         QTest::newRow("half a character at the end") << sound + "l=\xc3"
                                                      << "ann" << true;
+        // Pieces are variants as soon as one of them begins with "@".
+        QTest::newRow("number in pieces")
+            << QByteArray("jiraEmail=@Variant(\\0\\0\\0\\x2\\0\\0\\0\\a), a\n") << "7, a" << false;
         QTest::newRow("a pair") << QByteArray("jiraEmail=\\xd83d\\xdc1e\n") << "🐞" << false;
         QTest::newRow("half a pair") << QByteArray("jiraEmail=a\\xdddd\n") << u"a\uFFFD"_s << true;
         QTest::newRow("half a pair in pieces")

@@ -55,10 +55,11 @@ QVariant wellFormed(const QVariant &value) {
         return wellFormed(value.toString());
     if (!isTextInPieces(value))
         return value;
-    QStringList pieces = value.toStringList();
-    std::transform(pieces.begin(), pieces.end(), pieces.begin(),
-                   [](const QString &piece) { return wellFormed(piece); });
-    return pieces;
+    const QStringList pieces = value.toStringList();
+    QStringList mended;
+    for (const QString &piece : pieces)
+        mended.append(wellFormed(piece));
+    return mended == pieces ? value : mended;
 }
 
 QByteArray contentOf(const QString &path) {
