@@ -1,5 +1,6 @@
+#include "stage/Actors.h"
 #include "stage/BrindleProcess.h"
-#include "stage/VirtualDesktop.h"
+#include "stage/ClipboardReader.h"
 #include "support/ScreenReader.h"
 
 #include <QSettings>
@@ -94,6 +95,26 @@ private Q_SLOTS:
             "org.freedesktop.DBus.Properties", "Set",
             {"org.a11y.atspi.Value", "CurrentValue", QVariant::fromValue(QDBusVariant(60.0))});
         QVERIFY(waitFor([&] { return grip.property("Value", "CurrentValue").toInt() == 60; }));
+    }
+
+    void ownFieldPastesWhatBrindleOwns() {
+        const Scene scene("preferences");
+        QVERIFY2(scene.isUp, qPrintable(scene.desktop.problem()));
+        const QString link = "https://r.example/507f1f77bcf86cd799439011";
+        const ClipboardOwner other(scene.desktop, {{"UTF8_STRING", "507f1f77bcf86cd799439011"}});
+        QVERIFY(scene.brindle->activate("enrich-only"));
+        ClipboardReader clipboard(scene.desktop.display());
+        QVERIFY(waitFor(
+            [&] { return clipboard.data("UTF8_STRING").value_or("").contains(link.toUtf8()); }));
+        QVERIFY(scene.find("page tab", "Jira").act());
+        const Node field = scene.find("text", "Display format");
+        QVERIFY(field.call("org.a11y.atspi.EditableText", "SetTextContents", {"x "}).toBool());
+        // The toolkit lets the main thread wait five seconds for whoever owns the clipboard.
+        QElapsedTimer timer;
+        timer.start();
+        field.call("org.a11y.atspi.EditableText", "PasteText", {2});
+        QVERIFY(waitFor([&] { return field.text().contains(link); }));
+        QVERIFY2(timer.elapsed() < 4000, qPrintable(QString::number(timer.elapsed())));
     }
 
     void theLogCanBeReadAndCleared() {
