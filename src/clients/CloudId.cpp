@@ -73,19 +73,19 @@ JiraClient::DiscoverResult JiraClient::discoverResource(const QString &baseURL, 
     return *result;
 }
 
-CloudId::Found CloudId::cachedOrDiscovered(const SiteAccess &site) {
+Result<QString> CloudId::cachedOrDiscovered(const SiteAccess &site) {
     if (problemOf(site.baseURL).isEmpty()) {
         if (!site.cloudId.isEmpty())
-            return {site.cloudId, {}};
+            return site.cloudId;
         // The request that follows goes to the gateway; its connection can come up meanwhile.
         Platform::current().urlSession->prepareConnection(QUrl(Gateway::origin()));
     }
     const auto discovered = JiraClient::discoverResource(site.baseURL, site.token);
     if (!discovered.resource)
-        return {{}, discovered.error.value_or(u"Couldn't discover cloud ID"_s)};
+        return Result<QString>::failure(discovered.error.value_or(u"Couldn't discover cloud ID"_s));
     const QString id = discovered.resource->cloudId;
     Platform::current().dispatch->toMain([id, baseURL = site.baseURL] { keep(id, baseURL); });
-    return {id, {}};
+    return id;
 }
 
 void CloudId::keep(const QString &cloudId, const QString &baseURL) {

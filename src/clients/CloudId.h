@@ -1,5 +1,7 @@
 #pragma once
 
+#include "model/Result.h"
+
 #include <QString>
 
 #include <optional>
@@ -44,15 +46,10 @@ DiscoverResult discoverResource(const QString &baseURL, const QString &token);
 /// The id that the gateway knows a site by, whichever product is asked for.
 namespace CloudId {
 
-struct Found {
-    QString id;
-    QString error; ///< for the user; empty when there is an id
-};
-
-/// The id of `site`: the one it has or, without one, the site's answer, which is then kept. An
-/// error for a site that links must not lead to, whatever is known of it. Blocks like
-/// discoverResource().
-Found cachedOrDiscovered(const SiteAccess &site);
+/// The id of `site`: the one it has or, without one, the site's answer, which is then kept. Fails,
+/// with an error for the user, for a site that links must not lead to, whatever is known of it.
+/// Blocks like discoverResource().
+Result<QString> cachedOrDiscovered(const SiteAccess &site);
 
 /// Stores the id found for the site `baseURL`, unless that was edited meanwhile: it would send
 /// later fetches to the wrong one. Main thread.

@@ -51,11 +51,11 @@ void ConfluenceClient::fetchPage(
     const QString &pageId, const SiteAccess &site,
     const std::function<void(const ConfluenceFetchResult &)> &completion) {
     const auto cloudId = CloudId::cachedOrDiscovered(site);
-    if (!cloudId.error.isEmpty()) {
-        completion({{}, cloudId.error});
+    if (!cloudId) {
+        completion({{}, cloudId.error()});
         return;
     }
-    const auto url = Gateway::url(pagesPath(cloudId.id) + u'/' + pageId);
+    const auto url = Gateway::url(pagesPath(*cloudId) + u'/' + pageId);
     if (!url) {
         completion({{}, u"Couldn't build API URL"_s});
         return;

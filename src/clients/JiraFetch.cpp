@@ -129,12 +129,12 @@ QString JiraClient::adfPlainText(const QJsonValue &node, int depth) {
 
 void JiraClient::fetchSummary(const QString &key, const std::optional<QString> &commentId,
                               const SiteAccess &site, const Completion &completion) {
-    const CloudId::Found cloudId = CloudId::cachedOrDiscovered(site);
-    if (!cloudId.error.isEmpty()) {
-        completion(failure(cloudId.error));
+    const auto cloudId = CloudId::cachedOrDiscovered(site);
+    if (!cloudId) {
+        completion(failure(cloudId.error()));
         return;
     }
-    const Access access{Gateway::origin() + u"/ex/jira/"_s + cloudId.id + u"/rest/api/3/issue/"_s +
+    const Access access{Gateway::origin() + u"/ex/jira/"_s + *cloudId + u"/rest/api/3/issue/"_s +
                             key,
                         site.email, site.token};
     const auto request = access.request(u"?fields=summary,issuetype,status"_s);

@@ -3,52 +3,22 @@
 #include "clients/AccountClient.h"
 #include "clients/ConfluenceClient.h"
 #include "clients/JiraClient.h"
+#include "clients/TokenRequest.h"
 #include "clipboard/Clipboard.h"
 #include "clipboard/ClipboardRestorer.h"
 #include "desktop/Access.h"
-#include "desktop/AppDelegate.h"
 #include "desktop/CurrentRun.h"
-#include "desktop/Notify.h"
 #include "enrichment/Delivery.h"
 #include "enrichment/ReferenceDetection.h"
 #include "enrichment/TemplateRendering.h"
+#include "enrichment/TitleFetch.h"
 #include "model/AppInfo.h"
 #include "model/Text.h"
 #include "platform/Platform.h"
-#include "storage/Keychain.h"
 #include "storage/LogStore.h"
 #include "storage/Settings.h"
 
 namespace {
-
-void tell(const QString &message) {
-    Notify::show(AppInfo::displayName(), message);
-}
-
-void openPreferences() {
-    if (AppDelegate *app = AppDelegate::shared())
-        app->openPreferences();
-}
-
-/// A run that has passed the guards.
-struct Run {
-    bool pasteAfter = false;
-    QString baseURL;
-    /// What the user had copied, for giving it back. The texts are gone once they have been looked
-    /// at.
-    ClipboardContents original;
-};
-
-/// Ends a run that has come to nothing; why has been told.
-void giveUp() {
-    CurrentRun::enter(RunPhase::Idle);
-}
-
-void giveUp(const QString &logLine, const QString &message) {
-    log(logLine);
-    tell(message);
-    giveUp();
-}
 
 bool isBusy() {
     if (CurrentRun::isGettingTheLink()) {
@@ -60,100 +30,6 @@ bool isBusy() {
         return true;
     }
     return CurrentRun::phase() == RunPhase::Ended;
-}
-
-/// Whether the run may go on; told to the user when not. Where keys can't be pressed at all it goes
-/// on as one that only copies.
-bool mayGoOn(Run &run) {
-    if (!run.pasteAfter)
-        return true;
-    const PasteAccess access = Platform::current().pasteKeys->access();
-    switch (access.state) {
-    case PasteAccess::State::Ready:
-        return true;
-    case PasteAccess::State::NeedsConsent:
-        log(QStringLiteral("enrich: Accessibility not granted — skipping clipboard mutation"));
-        Enrichment::showAccessibilityAlert(
-            QStringLiteral("Brindle isn't in the Accessibility allowlist yet."));
-        return false;
-    case PasteAccess::State::Impossible:
-        break;
-    }
-    run.pasteAfter = false;
-    log(QStringLiteral("enrich: can't paste here (%1) — copying instead").arg(access.reason));
-    static QString toldReason;
-    if (std::exchange(toldReason, access.reason) != access.reason)
-        tell(Access::pasteProblem());
-    return true;
-}
-
-/// A title to be fetched: what it needs from the keyring and how it is asked for.
-struct Fetch {
-    QString account; ///< whose token
-    QString product;
-    QString tokenMessage; ///< for the user without one
-    /// On a background thread.
-    std::function<void(const Run &run, const SiteAccess &site)> send;
-};
-
-void askForToken(const QString &account,
-                 std::function<void(const Keychain::TokenAnswer &)> answered) {
-    CurrentRun::enter(RunPhase::AskingKeyring);
-    const auto waitsForUser = [] {
-        CurrentRun::enter(RunPhase::WaitingForKeyring);
-        tell(QStringLiteral("Keychain is waiting for its password."));
-    };
-    Keychain::loadToken(account, std::move(answered), waitsForUser);
-}
-
-/// The end of a run without a token. Who has no keyring is told what would be one.
-void giveUpWithout(const Keychain::TokenAnswer &token, const Fetch &fetch) {
-    log(QStringLiteral("enrich: no %1 token configured").arg(fetch.product));
-    giveUp();
-    openPreferences();
-    if (token.outcome != Keychain::Outcome::Unavailable) {
-        tell(fetch.tokenMessage);
-        return;
-    }
-    Platform::current().secretStore->findState([fetch](SecretStore::State state) {
-        tell(state == SecretStore::State::None ? Access::keyringProblem() : fetch.tokenMessage);
-    });
-}
-
-/// Sends the fetch unless something is missing, which the user is told.
-void begin(const Fetch &fetch, const Run &asked) {
-    const SiteAccess site = SiteAccess::configured();
-    if (site.email.isEmpty()) {
-        giveUp(QStringLiteral("enrich: no email configured"),
-               QStringLiteral("Email not set. Open Preferences."));
-        openPreferences();
-        return;
-    }
-    Platform::current().urlSession->warmUp();
-    askForToken(fetch.account,
-                [fetch, site, run = asked](const Keychain::TokenAnswer &answer) mutable {
-                    const QString token = answer.token;
-                    if (token.isEmpty()) {
-                        giveUpWithout(answer, fetch);
-                        return;
-                    }
-                    if (!mayGoOn(run)) {
-                        giveUp();
-                        return;
-                    }
-                    Platform::current().dispatch->toBackground(
-                        [fetch, run, access = site.withToken(token)] { fetch.send(run, access); });
-                    // The request is under way while the icon is drawn.
-                    CurrentRun::enter(RunPhase::Fetching);
-                });
-}
-
-/// A completion for any thread that has `finish` run on the main one.
-template <class Finish>
-auto onMain(Finish finish) {
-    return [finish](const auto &result) {
-        Platform::current().dispatch->toMain([finish, result] { finish(result); });
-    };
 }
 
 /// A link to be put on the clipboard.
@@ -174,8 +50,8 @@ void deliverLink(const Link &link, const Run &run, int attempt = 1);
 void readAnewAndDeliver(const Link &link, const Run &run, int attempt) {
     ClipboardRestorer::disarm();
     if (attempt == mostWrites) {
-        giveUp(QStringLiteral("enrich: the clipboard could not be written"),
-               QStringLiteral("Couldn't write to the clipboard."));
+        Run::giveUp(QStringLiteral("enrich: the clipboard could not be written"),
+                    QStringLiteral("Couldn't write to the clipboard."));
         return;
     }
     Platform::current().pasteboard->read([link, run, attempt](const ClipboardContents &contents) {
@@ -207,8 +83,8 @@ void deliverLink(const Link &link, const Run &run, int attempt) {
 
 void tellFailure(const QString &what, const std::optional<QString> &error,
                  const QString &withoutReason) {
-    giveUp(QStringLiteral("%1 (%2)").arg(what, error.value_or(QStringLiteral("unknown"))),
-           error.value_or(withoutReason));
+    Run::giveUp(QStringLiteral("%1 (%2)").arg(what, error.value_or(QStringLiteral("unknown"))),
+                error.value_or(withoutReason));
 }
 
 void finishJira(const JiraClient::FetchResult &result, const JiraRef &ref, const Run &run) {
@@ -226,14 +102,15 @@ void finishJira(const JiraClient::FetchResult &result, const JiraRef &ref, const
 void runJira(const JiraRef &ref, const Run &run) {
     log(QStringLiteral("enrich: detected Jira key ") + ref.key);
     const auto send = [ref](const Run &current, const SiteAccess &site) {
-        JiraClient::fetchSummary(ref.key, ref.commentId, site,
-                                 onMain([ref, current](const JiraClient::FetchResult &result) {
-                                     finishJira(result, ref, current);
-                                 }));
+        JiraClient::fetchSummary(
+            ref.key, ref.commentId, site,
+            TokenRequest::onMain([ref, current](const JiraClient::FetchResult &result) {
+                finishJira(result, ref, current);
+            }));
     };
-    begin({AppInfo::keychainAccount(), QStringLiteral("Jira"),
-           QStringLiteral("Jira API token not set. Open Preferences."), send},
-          run);
+    TitleFetch{AppInfo::keychainAccount(), QStringLiteral("Jira"),
+               QStringLiteral("Jira API token not set. Open Preferences."), send}
+        .start(run);
 }
 
 void finishConfluence(const ConfluenceClient::ConfluenceFetchResult &result,
@@ -256,21 +133,22 @@ void runConfluence(const ConfluenceRef &ref, const Run &run) {
     const auto send = [ref](const Run &current, const SiteAccess &site) {
         ConfluenceClient::fetchPage(
             ref.pageId, site,
-            onMain([ref, current](const ConfluenceClient::ConfluenceFetchResult &result) {
-                finishConfluence(result, ref, current);
-            }));
+            TokenRequest::onMain(
+                [ref, current](const ConfluenceClient::ConfluenceFetchResult &result) {
+                    finishConfluence(result, ref, current);
+                }));
     };
-    begin({AppInfo::keychainAccountConfluence(), QStringLiteral("Confluence"),
-           QStringLiteral("Confluence API token not set. Add one in Preferences → Connection."),
-           send},
-          run);
+    TitleFetch{AppInfo::keychainAccountConfluence(), QStringLiteral("Confluence"),
+               QStringLiteral("Confluence API token not set. Add one in Preferences → Connection."),
+               send}
+        .start(run);
 }
 
 void runAccount(const AccountRef &ref, Run run) {
     const QString shortId = ref.id.left(6) + u'…';
     log(QStringLiteral("enrich: detected ID ") + shortId);
-    if (!mayGoOn(run)) {
-        giveUp();
+    if (!run.mayGoOn()) {
+        Run::giveUp();
         return;
     }
     deliverLink({ref.id, ref.url, QStringLiteral("account ") + shortId,
@@ -279,7 +157,7 @@ void runAccount(const AccountRef &ref, Run run) {
 }
 
 void tellNothingFound(const QString &baseURL) {
-    giveUp(
+    Run::giveUp(
         QStringLiteral("enrich: no Jira, Confluence, or ID reference found on the clipboard"),
         baseURL.isEmpty()
             ? QStringLiteral("Set your Atlassian site URL in Preferences → Connection.")
@@ -296,8 +174,8 @@ Overloaded(Cases...) -> Overloaded<Cases...>; // clang before 17 doesn't deduce 
 
 void goOn(const ClipboardContents &contents, bool pasteAfter) {
     if (!contents.text || Text::trimmedView(*contents.text).isEmpty()) {
-        giveUp(QStringLiteral("enrich: clipboard empty or not text"),
-               QStringLiteral("Clipboard is empty or not text."));
+        Run::giveUp(QStringLiteral("enrich: clipboard empty or not text"),
+                    QStringLiteral("Clipboard is empty or not text."));
         return;
     }
     const Run run{
@@ -322,8 +200,8 @@ void Enrichment::run(bool pasteAfter) {
         return;
     Pasteboard &pasteboard = *Platform::current().pasteboard;
     if (const QString reason = pasteboard.unavailableBecause(); !reason.isEmpty()) {
-        giveUp(QStringLiteral("enrich: there is no clipboard (%1)").arg(reason),
-               Access::clipboardProblem());
+        Run::giveUp(QStringLiteral("enrich: there is no clipboard (%1)").arg(reason),
+                    Access::clipboardProblem());
         return;
     }
     CurrentRun::enter(RunPhase::Reading);

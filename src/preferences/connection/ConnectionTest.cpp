@@ -2,6 +2,7 @@
 
 #include "clients/ConfluenceClient.h"
 #include "clients/JiraClient.h"
+#include "clients/TokenRequest.h"
 #include "desktop/AppDelegate.h"
 #include "model/Text.h"
 #include "platform/Platform.h"
@@ -60,15 +61,17 @@ QString unreadable(ConnectionTest::Product product, const Keychain::TokenAnswer 
            (answer.outcome == Keychain::Outcome::Refused ? u" It is still locked."_s : QString());
 }
 
+} // namespace
+
 /// How an attempt on a site ended.
-struct Attempt {
+struct ConnectionTest::Attempt {
     QString message;
     std::optional<QString> cloudId; ///< present exactly when it went well
 };
 
 /// Blocks for up to two requests.
-Attempt attempt(ConnectionTest::Product product, const QString &baseURL, const QString &email,
-                const QString &token) {
+ConnectionTest::Attempt ConnectionTest::attempt(Product product, const QString &baseURL,
+                                                const QString &email, const QString &token) {
     const Words &texts = words(product);
     const auto found = JiraClient::discoverResource(baseURL, token);
     if (!found.resource)
@@ -76,7 +79,7 @@ Attempt attempt(ConnectionTest::Product product, const QString &baseURL, const Q
     const QString &cloudId = found.resource->cloudId;
     bool ok = false;
     std::optional<QString> error;
-    if (product == ConnectionTest::Product::Jira) {
+    if (product == Product::Jira) {
         const auto probed = JiraClient::probeToken(cloudId, email, token);
         ok = probed.resource.has_value();
         error = probed.error;
@@ -89,8 +92,6 @@ Attempt attempt(ConnectionTest::Product product, const QString &baseURL, const Q
         return {error.value_or(texts.probeFailed), {}};
     return {texts.connectedTo + found.resource->siteName + u'.', cloudId};
 }
-
-} // namespace
 
 ConnectionTest::ConnectionTest(Product product, QObject *parent)
     : QObject(parent), m_product(product) {
@@ -208,21 +209,28 @@ void ConnectionTest::finishStoring(const Stored &stored) {
 }
 
 void ConnectionTest::tryStoredToken(const Site &site) {
-    const auto loaded = [self = QPointer(this), site](const Keychain::TokenAnswer &answer) {
+    const auto goesOn = [self = QPointer(this), site](const Keychain::TokenAnswer &answer) {
         if (!self)
-            return;
+            return false;
         self->endTask();
         self->learn(answer);
-        if (site.email.isEmpty())
-            return;
-        if (!answer.token.isEmpty())
-            self->probe(site, answer.token);
-        else
-            self->tell(couldBeRead(answer) ? words(self->m_product).noToken
-                                           : unreadable(self->m_product, answer),
-                       true);
+        return !site.email.isEmpty();
     };
-    Keychain::loadToken(words(m_product).account, loaded);
+    TokenRequest::Steps steps;
+    steps.withoutToken = [this, goesOn](const Keychain::TokenAnswer &answer) {
+        if (goesOn(answer))
+            tell(couldBeRead(answer) ? words(m_product).noToken : unreadable(m_product, answer),
+                 true);
+    };
+    steps.maySend = goesOn;
+    steps.send = [product = m_product, site,
+                  finish = TokenRequest::onMain([self = QPointer(this), site](const Attempt &made) {
+                      if (self)
+                          self->finishTest(made, site);
+                  })](const QString &token) {
+        finish(attempt(product, site.baseURL, site.email, token));
+    };
+    TokenRequest::start(words(m_product).account, steps);
 }
 
 void ConnectionTest::learn(const Keychain::TokenAnswer &answer) {
@@ -232,16 +240,8 @@ void ConnectionTest::learn(const Keychain::TokenAnswer &answer) {
     Q_EMIT tokenLoaded(answer.token);
 }
 
-void ConnectionTest::probe(const Site &site, const QString &token) {
-    Platform::current().dispatch->toBackground(
-        [self = QPointer(this), product = m_product, site, token] {
-            const Attempt result = attempt(product, site.baseURL, site.email, token);
-            Platform::current().dispatch->toMain([self, result, baseURL = site.baseURL] {
-                if (!self)
-                    return;
-                if (result.cloudId)
-                    CloudId::keep(*result.cloudId, baseURL);
-                self->tell(result.message, !result.cloudId);
-            });
-        });
+void ConnectionTest::finishTest(const Attempt &made, const Site &site) {
+    if (made.cloudId)
+        CloudId::keep(*made.cloudId, site.baseURL);
+    tell(made.message, !made.cloudId);
 }

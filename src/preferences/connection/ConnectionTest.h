@@ -49,6 +49,7 @@ private:
         QString baseURL;
         QString email;
     };
+    struct Attempt;
     struct Stored {
         bool isClearing = false; ///< the token was to be removed, else replaced
         bool isDone = false;
@@ -66,7 +67,9 @@ private:
     void finishStoring(const Stored &stored);
     void tryStoredToken(const Site &site);
     void learn(const Keychain::TokenAnswer &answer);
-    void probe(const Site &site, const QString &token);
+    static Attempt attempt(Product product, const QString &baseURL, const QString &email,
+                           const QString &token);
+    void finishTest(const Attempt &made, const Site &site);
 
     Product m_product;
     QString m_message;

@@ -2,11 +2,11 @@
 
 #include "clients/ConfluenceClient.h"
 #include "clients/JiraClient.h"
+#include "clients/TokenRequest.h"
 #include "enrichment/TemplateRendering.h"
 #include "model/Text.h"
 #include "platform/Platform.h"
 #include "preferences/connection/Addresses.h"
-#include "storage/Keychain.h"
 #include "storage/Settings.h"
 
 #include <QPointer>
@@ -38,17 +38,13 @@ void PreviewSource::start(const QString &account, const QString &noToken, const 
             Q_EMIT self->changed();
         });
     };
-    const auto use = [self = QPointer(this), noToken, fetch,
-                      done](const Keychain::TokenAnswer &answer) {
-        if (!self)
-            return;
-        if (answer.token.isEmpty())
-            done([self, noToken] { self->m_error = noToken; });
-        else
-            Platform::current().dispatch->toBackground(
-                [fetch, done, token = answer.token] { fetch(token, done); });
+    TokenRequest::Steps steps;
+    steps.withoutToken = [this, done, noToken](const Keychain::TokenAnswer &) {
+        done([this, noToken] { m_error = noToken; });
     };
-    Keychain::loadToken(account, use);
+    steps.maySend = [self = QPointer(this)](const Keychain::TokenAnswer &) { return !!self; };
+    steps.send = [fetch, done](const QString &token) { fetch(token, done); };
+    TokenRequest::start(account, steps);
 }
 
 JiraPreviewSource::JiraPreviewSource(QObject *parent) : PreviewSource(parent) {}
