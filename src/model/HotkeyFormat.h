@@ -23,6 +23,9 @@ inline constexpr quint32 shiftKey = 0x200;    ///< Modifier bit of a hotkey: shi
 inline constexpr quint32 optionKey = 0x800;   ///< Modifier bit of a hotkey: option.
 inline constexpr quint32 controlKey = 0x1000; ///< Modifier bit of a hotkey: control.
 
+/// The hotkey until the user chooses another: ⌃⌥⌘V.
+inline constexpr KeyCombo defaultHotkey{9, controlKey | optionKey | cmdKey};
+
 inline constexpr quint32 shiftFlag = 0x20000;    ///< Modifier flag of a keyboard event: shift.
 inline constexpr quint32 controlFlag = 0x40000;  ///< Modifier flag of a keyboard event: control.
 inline constexpr quint32 optionFlag = 0x80000;   ///< Modifier flag of a keyboard event: option.

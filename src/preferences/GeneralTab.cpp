@@ -22,18 +22,6 @@
 
 using namespace Qt::StringLiterals;
 
-namespace {
-
-QVBoxLayout *sectionColumn(QWidget *section, const QString &title) {
-    auto *column = new QVBoxLayout(section);
-    column->setContentsMargins(0, 0, 0, 0);
-    column->setSpacing(Style::tightSpacing);
-    column->addWidget(sectionHeader(title));
-    return column;
-}
-
-} // namespace
-
 GeneralTab::GeneralTab(JiraPreviewSource &sample, QWidget *parent)
     : QWidget(parent), m_sample(sample) {
     auto *column = new QVBoxLayout(this);

@@ -36,7 +36,7 @@ BorderedField *baseField() {
     field->setAccessibleName(u"Base URL"_s);
     QObject::connect(field, &QLineEdit::textChanged, field,
                      [](const QString &text) { Settings::shared().accountBaseURL.type(text); });
-    followSettings(field, [field] { field->show(Settings::shared().accountBaseURL()); });
+    followSettings(field, [field] { field->follow(Settings::shared().accountBaseURL()); });
     return field;
 }
 
@@ -54,10 +54,7 @@ IdLinksTab::IdLinksTab(QWidget *parent) : QWidget(parent) {
 
 QWidget *IdLinksTab::baseSection() {
     auto *section = new QWidget;
-    auto *column = new QVBoxLayout(section);
-    column->setContentsMargins(0, 0, 0, 0);
-    column->setSpacing(Style::blockSpacing);
-    column->addWidget(sectionHeader(u"ID links"_s));
+    QVBoxLayout *column = sectionColumn(section, u"ID links"_s, Style::blockSpacing);
     auto *row = new QHBoxLayout;
     row->setSpacing(Style::rowSpacing);
     row->addWidget(fieldLabel(u"Base URL"_s));
@@ -74,10 +71,7 @@ QWidget *IdLinksTab::baseSection() {
 
 QWidget *IdLinksTab::formatSection() {
     auto *section = new QWidget;
-    auto *column = new QVBoxLayout(section);
-    column->setContentsMargins(0, 0, 0, 0);
-    column->setSpacing(Style::blockSpacing);
-    column->addWidget(sectionHeader(u"Paste format"_s));
+    QVBoxLayout *column = sectionColumn(section, u"Paste format"_s, Style::blockSpacing);
     column->addWidget(makeFormatPicker(u"ID link paste format"_s, PasteFormats::accountFormats,
                                        Settings::shared().accountPasteFormat));
     column->addWidget(new Caption(

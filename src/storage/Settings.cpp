@@ -12,9 +12,7 @@
 
 namespace {
 
-constexpr quint32 defaultKeyCode = 9;
-constexpr quint32 defaultModifiers =
-    HotkeyFormat::controlKey | HotkeyFormat::optionKey | HotkeyFormat::cmdKey;
+using HotkeyFormat::defaultHotkey;
 
 Defaults &store() {
     return *Platform::current().defaults;
@@ -159,8 +157,9 @@ Settings::Settings()
     : baseURL(*this, QStringLiteral("jiraBaseURL"), text(), &Settings::forgetCloudIdIfMoved),
       email(*this, QStringLiteral("jiraEmail"), text()),
       cloudId(*this, QStringLiteral("jiraCloudId"), text()),
-      hotkeyKeyCode(*this, QStringLiteral("hotkeyKeyCode"), unsigned32(defaultKeyCode)),
-      hotkeyModifiers(*this, QStringLiteral("hotkeyModifiers"), unsigned32(defaultModifiers)),
+      hotkeyKeyCode(*this, QStringLiteral("hotkeyKeyCode"), unsigned32(defaultHotkey.keyCode)),
+      hotkeyModifiers(*this, QStringLiteral("hotkeyModifiers"),
+                      unsigned32(defaultHotkey.modifiers)),
       hotkey2KeyCode(*this, QStringLiteral("hotkey2KeyCode"), unsigned32(0)),
       hotkey2Modifiers(*this, QStringLiteral("hotkey2Modifiers"), unsigned32(0)),
       displayTemplate(*this, QStringLiteral("displayTemplate"),

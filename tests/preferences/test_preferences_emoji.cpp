@@ -1,3 +1,4 @@
+#include "platform/wording.h"
 #include "preferences/PreferencesScene.h"
 #include "preferences/emoji/EmojiField.h"
 
@@ -58,6 +59,7 @@ private Q_SLOTS:
         auto *field = scene.find<EmojiField>("Emoji for comments");
         field->setText("a");
         field->setFocus();
+        setWording(linuxWording());
         const auto open = [&] { QTest::keyClick(field, Qt::Key_Period, Qt::ControlModifier); };
         const auto key = [](Qt::Key name) { QTest::keyClick(QApplication::focusWidget(), name); };
         open();

@@ -32,7 +32,7 @@ QLayout *settingField(const QString &title, const QString &prompt, Setting<QStri
     field->setAccessibleName(title);
     auto *label = fieldLabel(title);
     label->setBuddy(field);
-    const auto refresh = [field, &setting] { field->show(setting()); };
+    const auto refresh = [field, &setting] { field->follow(setting()); };
     QObject::connect(&Settings::shared(), &Settings::didChange, field, refresh);
     QObject::connect(field, &QLineEdit::textChanged, field,
                      [&setting](const QString &text) { setting.type(text); });

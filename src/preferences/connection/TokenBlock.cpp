@@ -83,10 +83,7 @@ TokenBlock::TokenBlock(ConnectionTest::Product product, QWidget *parent)
     buttons->addWidget(m_try);
     buttons->addStretch();
 
-    auto *column = new QVBoxLayout(this);
-    column->setContentsMargins(0, 0, 0, 0);
-    column->setSpacing(Style::tightSpacing);
-    column->addWidget(sectionHeader(texts.header));
+    QVBoxLayout *column = sectionColumn(this, texts.header);
     column->addSpacing(Style::blockSpacing - Style::tightSpacing);
     column->addWidget(label);
     column->addWidget(m_token);

@@ -1,5 +1,6 @@
 #include "preferences/emoji/EmojiField.h"
 
+#include "platform/wording.h"
 #include "preferences/emoji/EmojiPicker.h"
 
 #include <QKeyEvent>
@@ -31,7 +32,7 @@ void EmojiField::replaceByPicking() {
 }
 
 void EmojiField::keyPressEvent(QKeyEvent *event) {
-    if (event->key() == Qt::Key_Period && event->modifiers() == Qt::ControlModifier) {
+    if (QKeySequence(event->keyCombination()) == QKeySequence(wording().emojiPickerKeys)) {
         EmojiPicker::openFor(this);
         return;
     }

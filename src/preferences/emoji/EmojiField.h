@@ -2,7 +2,7 @@
 
 #include "preferences/kit/BorderedField.h"
 
-/// A field for an emoji, where Ctrl+. opens the picker.
+/// A field for an emoji, where a key combination opens the picker.
 class EmojiField : public BorderedField {
     Q_OBJECT
 

@@ -129,10 +129,10 @@ void EmojiTable::refresh() {
         rebuild(mappings);
     for (qsizetype i = 0; i < mappings.size(); ++i) {
         m_rows.at(i).widget->setAccessibleName(mappings.at(i).type);
-        m_rows.at(i).type->show(mappings.at(i).type);
-        m_rows.at(i).emoji->show(mappings.at(i).emoji);
+        m_rows.at(i).type->follow(mappings.at(i).type);
+        m_rows.at(i).emoji->follow(mappings.at(i).emoji);
     }
-    m_commentEmoji->show(Settings::shared().commentEmoji());
+    m_commentEmoji->follow(Settings::shared().commentEmoji());
 }
 
 void EmojiTable::rebuild(const QList<TypeEmojiMapping> &mappings) {

@@ -18,7 +18,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr KeyCombo defaultHotkey{9, 6400};
+using HotkeyFormat::defaultHotkey;
 
 const QString primaryTitle = u"Shortcut"_s;
 const QString alternateTitle = u"Alternate"_s;

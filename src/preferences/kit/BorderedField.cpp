@@ -19,7 +19,7 @@ void BorderedField::setMonospaced() {
     Style::dress(this, Style::TextRole::Code);
 }
 
-void BorderedField::show(const QString &text) {
+void BorderedField::follow(const QString &text) {
     if (text != this->text())
         setText(text);
 }

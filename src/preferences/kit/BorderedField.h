@@ -17,8 +17,7 @@ public:
 
     /// Brings the field in line with a value from elsewhere, leaving text and caret alone when the
     /// text is the same already.
-    void show(const QString &text);
-    using QLineEdit::show;
+    void follow(const QString &text);
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;

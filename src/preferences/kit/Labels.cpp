@@ -20,3 +20,11 @@ QLabel *sectionHeader(const QString &text) {
     setAccessibleRole(header, QAccessible::Heading);
     return header;
 }
+
+QVBoxLayout *sectionColumn(QWidget *section, const QString &title, int spacing) {
+    auto *column = new QVBoxLayout(section);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(spacing);
+    column->addWidget(sectionHeader(title));
+    return column;
+}

@@ -2,6 +2,7 @@
 
 #include "preferences/kit/Style.h"
 
+#include <QBoxLayout>
 #include <QLabel>
 
 /// A text in one line, taken literally.
@@ -13,3 +14,7 @@ QLabel *fieldLabel(const QString &text);
 
 /// The title of a section, in upper case.
 QLabel *sectionHeader(const QString &text);
+
+/// Lays `section` out as a column that begins with its title.
+QVBoxLayout *sectionColumn(QWidget *section, const QString &title,
+                           int spacing = Style::tightSpacing);

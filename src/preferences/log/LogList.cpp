@@ -43,7 +43,7 @@ LogList::LogList(QWidget *parent) : QTextEdit(parent) {
     startAfresh();
 }
 
-void LogList::show(const QList<LogStore::Entry> &entries) {
+void LogList::follow(const QList<LogStore::Entry> &entries) {
     // The log only ever loses its oldest entries or all of them, and gains at the end.
     const auto isFirst = [&](const LogStore::Entry &row) {
         return !entries.isEmpty() && row.id == entries.first().id;

@@ -15,8 +15,7 @@ public:
 
     /// Brings the rows in line with `entries`, touching only what has changed, and slides to the
     /// newest if that is a new one.
-    void show(const QList<LogStore::Entry> &entries);
-    using QTextEdit::show;
+    void follow(const QList<LogStore::Entry> &entries);
 
 protected:
     void changeEvent(QEvent *event) override;

@@ -101,7 +101,7 @@ void LogView::refresh() {
     m_count->setText(u"%1 entries (last %2 kept)"_s.arg(entries.size()).arg(LogStore::maxEntries));
     m_copyAll->setEnabled(!entries.isEmpty());
     m_clear->setEnabled(!entries.isEmpty());
-    m_list->show(entries);
+    m_list->follow(entries);
     m_content->setCurrentWidget(entries.isEmpty() ? static_cast<QWidget *>(m_empty) : m_list);
 }
 
