@@ -68,11 +68,9 @@ bool judge(bool isRight, const QString &what) {
 
 } // namespace
 
-Demo::Demo(const QString &pictures)
-    : m_pictures(pictures),
-      m_keyboard(m_desktop.keyboardDisplay()),
-      m_brindle(m_desktop, settings(), QStringLiteral(DEMO_APPLICATION_PROGRAM)),
-      m_editor(m_desktop, {u"--title"_s, editorTitle}) {}
+Demo::Demo(const QString &pictures) : m_pictures(pictures), m_desk(DesktopOptions{}) {
+    m_desk.start(settings(), QStringLiteral(DEMO_APPLICATION_PROGRAM));
+}
 
 bool Demo::play() {
     if (!isUp())
@@ -89,10 +87,10 @@ bool Demo::play() {
 }
 
 bool Demo::isUp() {
-    if (!m_desktop.problem().isEmpty())
-        return judge(false, u"the private desktop does not start: "_s + m_desktop.problem());
-    return judge(m_brindle.isUp(), u"Brindle does not start"_s) &&
-           judge(waitFor([this] { return m_editor.hasFocus(); }), u"the editor does not start"_s);
+    if (!m_desk.desktop.problem().isEmpty())
+        return judge(false, u"the private desktop does not start: "_s + m_desk.desktop.problem());
+    return judge(m_desk.isUp(), u"Brindle does not start"_s) &&
+           judge(m_desk.openTarget({u"--title"_s, editorTitle}), u"the editor does not start"_s);
 }
 
 bool Demo::playStep(const DemoStep &step) {
@@ -100,31 +98,30 @@ bool Demo::playStep(const DemoStep &step) {
     QList<OwnedFlavour> flavours{{u"UTF8_STRING"_s, step.copied.toUtf8()}};
     if (!step.copiedHtml.isEmpty())
         flavours.prepend({u"text/html"_s, step.copiedHtml.toUtf8()});
-    const ClipboardOwner copies(m_desktop, flavours);
+    const ClipboardOwner copies(m_desk.desktop, flavours);
     print(u"copied"_s, step.copiedHtml.isEmpty() ? step.copied : step.copiedHtml);
 
-    m_editor.forgetEvents();
-    m_keyboard.chord(
-        {keyCode(KEY_LEFTCTRL), keyCode(KEY_LEFTALT), keyCode(KEY_LEFTMETA), keyCode(KEY_V)});
-    const auto paste = m_editor.waitForPaste();
+    m_desk.target->forgetEvents();
+    m_desk.press();
+    const auto paste = m_desk.target->waitForPaste();
     if (!judge(paste.has_value(), u"nothing was pasted"_s))
         return false;
     print(u"pasted"_s, paste->text);
     print(u"as a link"_s, paste->html);
 
     const bool isRestored = clipboardBecomes(step);
-    m_keyboard.tap(keyCode(KEY_ENTER));
+    m_desk.keys.tap(keyCode(KEY_ENTER));
     const QString text = u"%1 (%2)"_s.arg(step.title, step.link);
     const QString html = u"<a href=\"%1\">%2</a>"_s.arg(step.link, step.styledTitle);
     return judge(paste->text == text && paste->html == html, u"should be "_s + html) &&
            judge(isRestored, u"the clipboard should hold again what was copied"_s) &&
-           judge(m_editor.pasteCount() == 1, u"pasted more than once"_s);
+           judge(m_desk.target->pasteCount() == 1, u"pasted more than once"_s);
 }
 
 bool Demo::clipboardBecomes(const DemoStep &step) {
     QString text, html;
     const bool isRestored = waitFor([&] {
-        ClipboardReader clipboard(m_desktop.display());
+        ClipboardReader clipboard(m_desk.desktop.display());
         text = QString::fromUtf8(clipboard.data(u"UTF8_STRING"_s).value_or(QByteArray()));
         html = QString::fromUtf8(clipboard.data(u"text/html"_s).value_or(QByteArray()));
         return text == step.copied && html == step.copiedHtml;
@@ -134,9 +131,8 @@ bool Demo::clipboardBecomes(const DemoStep &step) {
 }
 
 bool Demo::showWindow(const QString &action, const QString &title, const QString &file) {
-    const QImage before = screenPicture(m_desktop.display());
-    return judge(m_brindle.activate(action) &&
-                     waitFor([&] { return windowTitles(m_desktop.display()).contains(title); }),
+    const QImage before = screenPicture(m_desk.desktop.display());
+    return judge(m_desk.brindle->activate(action) && m_desk.shows(title),
                  u"there is no window “%1”"_s.arg(title)) &&
            takePicture(title, file, before);
 }
@@ -146,8 +142,9 @@ bool Demo::showWindow(const QString &action, const QString &title, const QString
 bool Demo::takePicture(const QString &title, const QString &file, const QImage &before) {
     QImage picture;
     const bool isDrawn = waitFor([&] {
-        const QRect place = windowPlace(m_desktop.display(), title);
-        const QImage last = std::exchange(picture, screenPicture(m_desktop.display()).copy(place));
+        const QRect place = windowPlace(m_desk.desktop.display(), title);
+        const QImage last =
+            std::exchange(picture, screenPicture(m_desk.desktop.display()).copy(place));
         return !picture.isNull() && picture == last && picture != before.copy(place);
     });
     const QString path = m_pictures + u'/' + file;
@@ -159,6 +156,6 @@ bool Demo::takePicture(const QString &title, const QString &file, const QImage &
 
 void Demo::printLog() {
     std::puts("Activity log");
-    for (const QJsonObject &event : m_brindle.events(u"log"_s))
+    for (const QJsonObject &event : m_desk.brindle->events(u"log"_s))
         std::printf("  %s\n", qUtf8Printable(event[u"line"].toString()));
 }

@@ -1,9 +1,6 @@
 #pragma once
 
-#include "stage/Actors.h"
-#include "stage/BrindleProcess.h"
-#include "stage/VirtualDesktop.h"
-#include "stage/VirtualKeyboard.h"
+#include "stage/Workplace.h"
 
 #include <QImage>
 #include <QString>
@@ -37,8 +34,5 @@ private:
     void printLog();
 
     QString m_pictures;
-    VirtualDesktop m_desktop;
-    VirtualKeyboard m_keyboard;
-    BrindleProcess m_brindle;
-    PasteTarget m_editor;
+    Workplace m_desk;
 };

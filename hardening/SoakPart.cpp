@@ -1,10 +1,7 @@
 #include "hardening/Parts.h"
 
-#include "stage/Actors.h"
-#include "stage/BrindleProcess.h"
 #include "stage/ClipboardReader.h"
-#include "stage/Keyring.h"
-#include "stage/VirtualKeyboard.h"
+#include "stage/Workplace.h"
 
 #include <QDir>
 #include <QElapsedTimer>
@@ -13,28 +10,6 @@
 namespace {
 
 const QString base = "https://app.example.com/records/";
-
-/// A desktop on which somebody copies, presses and looks, over and over.
-struct Desk {
-    Desk()
-        : desktop({.keyring = true}),
-          keys(desktop.keyboardDisplay()),
-          hasToken(storeToken(desktop, "jira-api-token", "t1")),
-          brindle(desktop, {{"accountBaseURL", base}, {"jiraEmail", "ann@h.example"}},
-                  BRINDLE_COMMANDED_PROGRAM),
-          target(desktop) {}
-
-    bool isUp() {
-        return desktop.problem().isEmpty() && hasToken && brindle.isUp() &&
-               waitFor([this] { return target.hasFocus(); });
-    }
-
-    VirtualDesktop desktop;
-    VirtualKeyboard keys;
-    bool hasToken;
-    BrindleProcess brindle;
-    PasteTarget target;
-};
 
 /// What a format makes of a record.
 struct Wanted {
@@ -78,33 +53,32 @@ bool isOnTheClipboard(const QString &display, const QList<OwnedFlavour> &flavour
     });
 }
 
-void runOnce(Findings &findings, Desk &desk, int run) {
+void runOnce(Findings &findings, Workplace &desk, int run) {
     const QString record = "507f1f77bcf86cd7" + QString::number(run, 16).rightJustified(8, '0');
     const QString at = QString("run %1: ").arg(run);
     const Wanted wanted = wantedOf(run, record);
-    desk.brindle.forgetEvents();
-    desk.brindle.send(wanted.format);
-    findings.check(!desk.brindle.waitForEvent("format").isEmpty(), at + "takes no format");
+    desk.brindle->forgetEvents();
+    desk.brindle->send(wanted.format);
+    findings.check(!desk.brindle->waitForEvent("format").isEmpty(), at + "takes no format");
     const QList<OwnedFlavour> flavours = copiedBefore(run, record);
     const ClipboardOwner owner(desk.desktop, flavours);
     findings.check(owner.ownsClipboard(), at + "nothing could be copied");
-    desk.target.forgetEvents();
-    desk.keys.chord(
-        {keyCode(KEY_LEFTCTRL), keyCode(KEY_LEFTALT), keyCode(KEY_LEFTMETA), keyCode(KEY_V)});
-    const auto paste = desk.target.waitForPaste();
+    desk.target->forgetEvents();
+    desk.press();
+    const auto paste = desk.target->waitForPaste();
     if (findings.check(paste.has_value(), at + "nothing is pasted"))
         findings.check(paste->text == wanted.text && paste->html == wanted.html,
                        at + "pasted " + paste->text + ' ' + paste->html);
     findings.check(waitFor([&] { return isOnTheClipboard(desk.desktop.display(), flavours); }),
                    at + "the clipboard is not given back");
-    findings.check(desk.target.pasteCount() == 1 && desk.target.typed().isEmpty(),
+    findings.check(desk.target->pasteCount() == 1 && desk.target->typed().isEmpty(),
                    at + QString("%1 pastes, typed '%2'")
-                            .arg(desk.target.pasteCount())
-                            .arg(desk.target.typed()));
+                            .arg(desk.target->pasteCount())
+                            .arg(desk.target->typed()));
     findings.check(heldKeys(desk.desktop.display()).isEmpty() &&
                        modifiersInForce(desk.desktop.display()) == 0,
                    at + "a key stays down");
-    findings.check(desk.target.command("clear"), at + "the target cannot be cleared");
+    findings.check(desk.target->command("clear"), at + "the target cannot be cleared");
 }
 
 /// Kilobytes, as the kernel counts them.
@@ -128,10 +102,13 @@ qsizetype openFiles(qint64 process) {
 } // namespace
 
 void soak(Findings &findings, int count) {
-    Desk desk;
-    if (!findings.check(desk.isUp(), "the desktop does not come up: " + desk.desktop.problem()))
+    Workplace desk;
+    desk.start({{"accountBaseURL", base}, {"jiraEmail", "ann@h.example"}},
+               BRINDLE_COMMANDED_PROGRAM);
+    if (!findings.check(desk.isUp() && desk.openTarget(),
+                        "the desktop does not come up: " + desk.desktop.problem()))
         return;
-    const qint64 process = desk.brindle.processId();
+    const qint64 process = desk.brindle->processId();
     const int warmUp = std::min(100, count);
     int memory = 0;
     qsizetype files = 0;
@@ -139,7 +116,7 @@ void soak(Findings &findings, int count) {
     timer.start();
     for (int run = 1; run <= count; ++run) {
         runOnce(findings, desk, run);
-        if (!findings.check(desk.brindle.state() == QProcess::Running, "Brindle has ended"))
+        if (!findings.check(desk.brindle->state() == QProcess::Running, "Brindle has ended"))
             return;
         if (run == warmUp) {
             memory = figure(process, "VmRSS");
