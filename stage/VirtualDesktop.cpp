@@ -95,6 +95,8 @@ void VirtualDesktop::awaitServices(const DesktopOptions &options) {
     m_screen->awaitReady();
     if (options.accessibility)
         awaitName(u"org.a11y.Bus"_s, u"at-spi-bus-launcher"_s);
+    if (options.portal)
+        awaitName(u"org.freedesktop.portal.Desktop"_s, u"xdg-desktop-portal"_s);
     if (options.notifications)
         awaitName(u"org.freedesktop.Notifications"_s, u"dunst"_s);
     if (options.keyring)

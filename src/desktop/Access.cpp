@@ -15,6 +15,10 @@ QString Access::pasteProblem() {
     const PasteAccess access = Platform::current().pasteKeys->access();
     if (access.state != PasteAccess::State::Impossible)
         return {};
+    if (!access.offer.isEmpty())
+        return QStringLiteral("Pasting needs your permission on this desktop: %1. Until then links "
+                              "are copied for you to paste.")
+            .arg(access.reason);
     return QStringLiteral("Brindle can't paste here: %1. Links are copied for you to paste.")
         .arg(access.reason);
 }

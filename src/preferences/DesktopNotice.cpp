@@ -5,15 +5,15 @@
 #include "preferences/kit/Button.h"
 #include "preferences/kit/Style.h"
 
-#include <QHBoxLayout>
+#include <QVBoxLayout>
 #include <QPointer>
 
 DesktopNotice::DesktopNotice(QWidget *parent) : QWidget(parent), m_ask(new Button({})) {
-    auto *row = new QHBoxLayout(this);
-    row->setContentsMargins(0, 0, 0, 0);
-    row->setSpacing(Style::rowSpacing);
-    row->addWidget(&m_line, 1, Qt::AlignVCenter);
-    row->addWidget(m_ask, 0, Qt::AlignTop);
+    auto *column = new QVBoxLayout(this);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(Style::tightSpacing);
+    column->addWidget(&m_line);
+    column->addWidget(m_ask, 0, Qt::AlignLeft);
     connect(m_ask, &QPushButton::clicked, this, &DesktopNotice::ask);
     Platform::current().pasteKeys->onAccessChange([notice = QPointer(this)] {
         if (notice)

@@ -193,9 +193,8 @@ private Q_SLOTS:
         };
         const QString refused =
             "impossible | you have not allowed it to press keys | Ask for Permission";
-        const QString untilLogout =
-            "impossible | the desktop has to be asked after each login, which a button in "
-            "Preferences does | Allow pasting until you log out";
+        const QString untilLogout = "impossible | the desktop asks for it after each login | "
+                                    "Allow pasting until you log out";
         const QString distrusted =
             "impossible | it is not authorized to press keys any more | Ask for Permission";
         const auto takenBack = [](const QString &offer) {

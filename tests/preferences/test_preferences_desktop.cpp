@@ -145,7 +145,9 @@ private Q_SLOTS:
         QTest::newRow("no clipboard") << "no server" << State::Ready << QString()
                                       << "Brindle can't reach the clipboard: no server.";
         QTest::newRow("no keys") << QString() << State::Impossible << QString() << noKeysText;
-        QTest::newRow("no keys yet") << QString() << State::Impossible << ask << noKeysText;
+        QTest::newRow("no keys yet") << QString() << State::Impossible << ask
+                                     << "Pasting needs your permission on this desktop: no keys "
+                                        "today. Until then links are copied for you to paste.";
         QTest::newRow("neither") << "no server" << State::Impossible << QString()
                                  << "Brindle can't reach the clipboard: no server.";
         QTest::newRow("keys wait") << QString() << State::NeedsConsent << ask << consentText;

@@ -47,10 +47,7 @@ PasteAccess RemoteDesktopKeys::access() const {
         return {};
     if (m_grant.givesTokens())
         return {State::NeedsConsent, QStringLiteral("not authorized by the desktop yet"), offer};
-    return {State::Impossible,
-            QStringLiteral("the desktop has to be asked after each login, which a button in "
-                           "Preferences does"),
-            offer};
+    return {State::Impossible, QStringLiteral("the desktop asks for it after each login"), offer};
 }
 
 void RemoteDesktopKeys::onAccessChange(std::function<void()> changed) {
