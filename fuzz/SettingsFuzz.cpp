@@ -5,6 +5,7 @@
 
 #include <QDebug>
 #include <QFile>
+#include <QGuiApplication>
 #include <QRegularExpression>
 #include <QTemporaryDir>
 
@@ -128,6 +129,14 @@ void checkValues(Folder &folder, Fuzz::Fields &fields) {
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
+    // A file may hold pictures, which the toolkit makes only for such an application.
+    [[maybe_unused]] static const QGuiApplication &application = []() -> QGuiApplication & {
+        static int count = 1;
+        static char name[] = "fuzz_settings";
+        static char *arguments[] = {name, nullptr};
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+        return *new QGuiApplication(count, arguments);
+    }();
     [[maybe_unused]] static FakePlatform &platform = *new FakePlatform; // outlives every static
     static Folder folder;
     const QByteArray content(reinterpret_cast<const char *>(data), static_cast<qsizetype>(size));
