@@ -5,8 +5,8 @@
 #include "preferences/kit/Button.h"
 #include "preferences/kit/Style.h"
 
-#include <QVBoxLayout>
 #include <QPointer>
+#include <QVBoxLayout>
 
 DesktopNotice::DesktopNotice(QWidget *parent) : QWidget(parent), m_ask(new Button({})) {
     auto *column = new QVBoxLayout(this);
