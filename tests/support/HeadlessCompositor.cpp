@@ -4,6 +4,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QLocalSocket>
 #include <QStandardPaths>
 
 #include <pwd.h>
@@ -61,8 +62,11 @@ HeadlessCompositor::HeadlessCompositor(Kind kind) {
         QFile::copy(QStandardPaths::findExecutable("kwin_wayland"), copy);
         m_process.start(copy, {"--virtual", "--no-lockscreen", "--socket", socket});
     }
+    // The socket is there before anybody listens.
     const bool isUp = waitFor([&] {
-        return QFile::exists(run + "/" + socket) || m_process.state() == QProcess::NotRunning;
+        QLocalSocket caller;
+        caller.connectToServer(run + "/" + socket);
+        return caller.waitForConnected(1000) || m_process.state() == QProcess::NotRunning;
     });
     if (!isUp || m_process.state() == QProcess::NotRunning)
         m_problem = "the compositor did not start: " + m_process.readAll().right(500);
