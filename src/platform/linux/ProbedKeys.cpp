@@ -1,5 +1,6 @@
 #include "platform/linux/ProbedKeys.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace {
@@ -12,6 +13,10 @@ constexpr std::chrono::milliseconds between{30};
 
 /// So many taps are under way before the first can have been answered.
 constexpr int mostUnanswered = 2;
+
+/// A tap that is not answered by then won't be. One that is answered late, after an earlier one has
+/// told that the keys are up, says nothing about the keys that are held for the next time.
+constexpr std::chrono::milliseconds longestAnswer{500};
 
 /// The fingers of a chord come up within this time.
 constexpr std::chrono::milliseconds fingersApart{100};
@@ -34,14 +39,20 @@ ProbedKeys::~ProbedKeys() {
 void ProbedKeys::await(const std::function<void(int)> &tap, std::function<void()> areUp) {
     m_tap = tap;
     m_areUp = std::move(areUp);
-    m_deadline = m_dispatch->now() + longestHold;
     m_taps = 0;
-    tapAgain();
+    m_next.cancel();
+    const auto now = m_dispatch->now();
+    const auto begin = m_latestTap ? std::max(*m_latestTap + longestAnswer, now) : now;
+    m_deadline = begin + longestHold;
+    if (begin > now && m_probe->isBound)
+        m_next = m_dispatch->at(begin, [this] { tapAgain(); });
+    else
+        tapAgain();
 }
 
 /// The letter that is still down could not be pressed for the paste.
 void ProbedKeys::fired() {
-    if (!m_areUp)
+    if (!m_areUp || m_taps == 0)
         return;
     m_next.cancel();
     m_tap = nullptr;
@@ -59,6 +70,7 @@ void ProbedKeys::tapAgain() {
     }
     m_next = m_dispatch->after(between, [this] { tapAgain(); });
     ++m_taps;
+    m_latestTap = m_dispatch->now();
     m_tap(KeyProbe::evdevCode);
 }
 

@@ -6,6 +6,7 @@
 #include "platform/linux/KeyProbe.h"
 
 #include <memory>
+#include <optional>
 
 /// Takes the keys for up when the probe fires, which is tapped until then: while a modifier is held
 /// the desktop takes the tap for another combination, which nothing uses. Waits for nothing where
@@ -31,6 +32,7 @@ private:
     std::function<void(int)> m_tap;
     std::function<void()> m_areUp;
     int m_taps = 0;
+    std::optional<Dispatch::Clock::time_point> m_latestTap;
     Dispatch::Clock::time_point m_deadline;
     WorkItem m_next;
 };
