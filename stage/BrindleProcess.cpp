@@ -29,9 +29,15 @@ bool BrindleProcess::isUp() {
 }
 
 bool BrindleProcess::activate(const QString &action) {
+    QDBusPendingCall called = call(action);
+    called.waitForFinished();
+    return !called.isError();
+}
+
+QDBusPendingCall BrindleProcess::call(const QString &action) {
     QDBusMessage call =
         QDBusMessage::createMethodCall(u"org.ostrowind.brindle"_s, u"/org/ostrowind/brindle"_s,
                                        u"org.freedesktop.Application"_s, u"ActivateAction"_s);
     call << action << QVariantList() << QVariantMap();
-    return m_desktop.bus().call(call).type() == QDBusMessage::ReplyMessage;
+    return m_desktop.bus().asyncCall(call);
 }

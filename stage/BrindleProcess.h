@@ -2,6 +2,7 @@
 
 #include "stage/StageProcess.h"
 
+#include <QDBusPendingCall>
 #include <QMap>
 
 class VirtualDesktop;
@@ -17,8 +18,11 @@ public:
     /// Waits until the launch sequence is through.
     bool isUp();
 
-    /// Calls an action of the program over the bus.
+    /// Calls an action of the program over the bus, and waits for the answer.
     bool activate(const QString &action);
+
+    /// The same without waiting: for a program that is stopped just now.
+    QDBusPendingCall call(const QString &action);
 
 private:
     const VirtualDesktop &m_desktop;

@@ -11,8 +11,15 @@
 #include <QScreen>
 
 #include <algorithm>
+#include <chrono>
 
 namespace {
+
+using namespace std::chrono_literals;
+
+/// How long the compositor's answer to an activation, or its word that another program has had the
+/// focus all along, may be on its way.
+constexpr auto longestAnswer = 250ms;
 
 /// On Wayland a window comes to the front by a token, the toolkit asks for one where another window
 /// of ours has the focus, and without either nothing happens at all. A new window does come up.
@@ -28,6 +35,13 @@ AppWindow::AppWindow(const QString &title, QWidget *view, const MenuActions &act
     setCentralWidget(view);
     addApplicationMenu(actions);
     menuBar()->addMenu(new EditMenu(this));
+    m_lookAgain.setSingleShot(true);
+    connect(&m_lookAgain, &QTimer::timeout, this, [this] {
+        if (isVisible() && comesUpOnlyAnew()) {
+            hide();
+            comeUp();
+        }
+    });
 }
 
 void AppWindow::addApplicationMenu(const MenuActions &actions) {
@@ -61,8 +75,15 @@ void AppWindow::present() {
         move(std::max(corner.x(), room.left()) - frame.x(),
              std::max(corner.y(), room.top()) - frame.y());
     }
-    if (isVisible() && comesUpOnlyAnew())
+    const bool wasVisible = isVisible();
+    if (wasVisible && comesUpOnlyAnew())
         hide();
+    else if (wasVisible)
+        m_lookAgain.start(longestAnswer);
+    comeUp();
+}
+
+void AppWindow::comeUp() {
     setWindowState(windowState() & ~Qt::WindowMinimized);
     show();
     raise();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QMainWindow>
+#include <QTimer>
 
 #include <functional>
 
@@ -28,6 +29,8 @@ public:
 
 private:
     void addApplicationMenu(const MenuActions &actions);
+    void comeUp();
 
+    QTimer m_lookAgain;
     bool m_wasPlaced = false;
 };

@@ -3,6 +3,8 @@
 #include "stage/VirtualDesktop.h"
 #include "support/Unprivileged.h"
 
+#include <signal.h>
+
 namespace {
 
 /// A running Brindle that only notes with what platform data it is called.
@@ -61,11 +63,15 @@ private Q_SLOTS:
 
     void preferencesComeUpWithoutAToken_data() {
         QTest::addColumn<DesktopKind>("kind");
-        QTest::newRow("sway") << DesktopKind::Sway;
-        QTest::newRow("KWin") << DesktopKind::KWin;
+        QTest::addColumn<bool>("isBusy");
+        QTest::newRow("sway") << DesktopKind::Sway << false;
+        QTest::newRow("sway, called before it heard that it lost the focus")
+            << DesktopKind::Sway << true;
+        QTest::newRow("KWin") << DesktopKind::KWin << false;
     }
     void preferencesComeUpWithoutAToken() {
         QFETCH(DesktopKind, kind);
+        QFETCH(bool, isBusy);
         const VirtualDesktop desktop({.kind = kind});
         QVERIFY2(desktop.problem().isEmpty(), qPrintable(desktop.problem()));
         const PasteTarget first(desktop, TargetKind::Qt);
@@ -73,9 +79,12 @@ private Q_SLOTS:
         BrindleProcess brindle(desktop, {}); // without an address it asks for one
         QVERIFY(brindle.isUp());
         QVERIFY(waitFor([&] { return !first.hasFocus(); }));
+        if (isBusy)
+            kill(static_cast<pid_t>(brindle.processId()), SIGSTOP);
         const PasteTarget second(desktop, TargetKind::Qt);
         QVERIFY(waitFor([&] { return second.hasFocus(); }));
-        QVERIFY(brindle.activate("preferences"));
+        brindle.call("preferences");
+        kill(static_cast<pid_t>(brindle.processId()), SIGCONT);
         QVERIFY(waitFor([&] { return !second.hasFocus(); }));
     }
 };
