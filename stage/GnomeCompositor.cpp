@@ -19,7 +19,7 @@ const QString settingsService = QStringLiteral("/usr/libexec/dconf-service");
 const QString keyBindings = QStringLiteral("/usr/libexec/gsd-media-keys");
 
 /// Now and then a start hangs; another one comes up. It takes one to three seconds.
-constexpr int mostStarts = 3;
+constexpr int mostStarts = 5;
 constexpr int longestStart = 8000; // milliseconds
 
 // Nothing moves, greets or locks by itself; $0 are the layouts of the keyboard.

@@ -11,9 +11,7 @@ namespace {
 const QString socketName = QStringLiteral("kwin-0");
 
 // Without a menu no desktop entry is ever found.
-constexpr char menu[] = R"(<!DOCTYPE Menu PUBLIC "-//freedesktop//DTD Menu 1.0//EN"
- "http://www.freedesktop.org/standards/menu-spec/menu-1.0.dtd">
-<Menu>
+constexpr char menu[] = R"(<Menu>
   <Name>Applications</Name>
   <DefaultAppDirs/>
   <DefaultDirectoryDirs/>

@@ -207,7 +207,7 @@ private Q_SLOTS:
     }
 
     void logIsStampedWhenWrittenAndClearedInTurn() {
-        qputenv("TZ", "XXX-05:45"); // nobody lives by UTC and this at once
+        qputenv("TZ", "ABC-05:45"); // nobody lives by UTC and this at once
         tzset();
         FakePlatform platform;
         LogStore &log = LogStore::shared();

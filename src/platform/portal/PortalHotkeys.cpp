@@ -25,7 +25,7 @@ constexpr std::chrono::milliseconds shortestAnswer{300};
 constexpr std::chrono::milliseconds firstPause{500};
 constexpr std::chrono::minutes longestPause{5};
 
-/// A combination in the words of the shortcuts specification; empty for a key that has no letter or
+/// A combination as the portal writes it; empty for a key that has no letter or
 /// digit, which the user then chooses.
 QString triggerOf(const KeyCombo &combo) {
     static const QList<std::pair<quint32, QString>> modifiers{
