@@ -129,10 +129,14 @@ std::optional<QVariant> SettingsFile::scalar(const QString &key) const {
     if (!m_file.contains(key))
         return std::nullopt;
     const QVariant value = wellFormed(m_file.value(key));
+    if (!isTextInPieces(value))
+        return value;
+    // Without pieces it was none: so does the toolkit read what it can't read, and write it.
+    const QStringList pieces = value.toStringList();
+    if (pieces.isEmpty())
+        return std::nullopt;
     // Blanks around the commas are gone, and one after each is what people write.
-    if (isTextInPieces(value))
-        return value.toStringList().join(QStringLiteral(", "));
-    return value;
+    return pieces.join(QStringLiteral(", "));
 }
 
 std::optional<QString> SettingsFile::string(const QString &key) const {
