@@ -6,6 +6,9 @@
 /// programs make before the paste keys.
 QList<Row> benchPastes();
 
+/// The same for growing clipboards: many bytes, many flavours.
+QList<Row> benchGrowth();
+
 /// From the press of the hotkey on an issue's link to its title in the window in front, without
 /// what a paste takes and what the server takes: the fetch alone.
 QList<Row> benchFetch();

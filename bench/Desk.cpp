@@ -2,33 +2,18 @@
 
 #include "bench/Measure.h"
 
-#include "model/AppInfo.h"
-#include "stage/BrindleProcess.h"
-#include "stage/Keyring.h"
-
 #include <QEventLoop>
-#include <QSettings>
 #include <QTimer>
 
-Desk::Desk(const QMap<QString, QString> &settings)
-    : m_desktop({.keyring = true}), m_area(m_desktop.bus()) {
-    require(m_desktop.problem().isEmpty(), m_desktop.problem());
+Desk::Desk(const QMap<QString, QString> &settings) {
+    require(desktop.problem().isEmpty(), desktop.problem());
+    require(isStored, "no token stored");
     require(m_area.isThere(), "no place for a status area on the bus");
-    setBrindleUp(settings);
-}
-
-void Desk::setBrindleUp(const QMap<QString, QString> &settings) const {
-    QSettings file(m_desktop.environment().value("XDG_CONFIG_HOME") + '/' +
-                       AppInfo::bundleIdentifier() + ".conf",
-                   QSettings::IniFormat);
-    file.setValue("jiraBaseURL", "https://your-team.atlassian.net");
-    file.setValue("jiraEmail", "you@example.com");
-    file.setValue("accountBaseURL", "https://app.example.com/records/");
-    for (auto setting = settings.begin(); setting != settings.end(); ++setting)
-        file.setValue(setting.key(), setting.value());
-    file.sync();
-    require(file.status() == QSettings::NoError, "no settings file written");
-    require(storeToken(m_desktop, AppInfo::keychainAccount(), "token"), "no token stored");
+    QMap<QString, QString> all{{"jiraBaseURL", "https://your-team.atlassian.net"},
+                               {"jiraEmail", "you@example.com"},
+                               {"accountBaseURL", "https://app.example.com/records/"}};
+    all.insert(settings);
+    require(BrindleProcess::writeSettings(desktop, all), "no settings file written");
 }
 
 double Desk::waitForIcon() {

@@ -62,7 +62,7 @@ struct Idle {
 };
 
 Idle watch(Desk &desk, const QString &program, bool forLong) {
-    StageProcess process(desk.desktop().environment());
+    StageProcess process(desk.desktop.environment());
     require(process.launch(program, {}), process.errorString());
     desk.waitForIcon();
     QTest::qWait(settling);

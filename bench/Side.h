@@ -3,8 +3,6 @@
 #include "bench/Desk.h"
 #include "bench/PasteWindow.h"
 
-#include "stage/VirtualKeyboard.h"
-
 /// A user in front of a window, at a desktop where one program waits for the hotkey. Calls block
 /// the thread and give the measurement up when something does not come.
 class Side {
@@ -16,10 +14,11 @@ public:
     /// Ends the program and starts it anew, with nothing warm in it.
     void restart();
 
-    /// Copies `text`, presses the hotkey and waits for a paste as `type` that holds `link`. The
-    /// milliseconds from the press to it, without the pause that every program makes before the
-    /// paste keys.
-    double paste(const QByteArray &text, const QByteArray &type, const QByteArray &link);
+    /// Copies `text` (and `more` beside it), presses the hotkey and waits for a paste as `type`
+    /// that holds `link`. The milliseconds from the press to it, without the pause that every
+    /// program makes before the paste keys.
+    double paste(const QByteArray &text, const QByteArray &type, const QByteArray &link,
+                 const QList<OwnedFlavour> &more = {});
 
     /// Waits until the clipboard holds `text` again, as it was copied.
     void waitForRestore(const QByteArray &text) const;
@@ -28,9 +27,7 @@ private:
     void start();
 
     Desk m_desk;
-    PasteWindow m_window{m_desk.desktop().display()};
-    VirtualKeyboard m_keys{m_desk.desktop().keyboardDisplay()};
+    PasteWindow m_window{m_desk.desktop.display()};
     QString m_name;
     QStringList m_arguments;
-    StageProcess m_program{m_desk.desktop().environment()};
 };

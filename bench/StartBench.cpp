@@ -29,14 +29,14 @@ private:
     template <typename Wait>
     double start(const QString &program, Wait untilThere) {
         require(waitFor([this] { return !Hotkey::isTaken(m_x); }), "the hotkey stays taken");
-        StageProcess process(m_desk.desktop().environment());
+        StageProcess process(m_desk.desktop.environment());
         const double begun = now();
         require(process.launch(program, {}), process.errorString());
         return untilThere() - begun;
     }
 
     Desk m_desk;
-    XConnection m_x{m_desk.desktop().display()};
+    XConnection m_x{m_desk.desktop.display()};
 };
 
 } // namespace

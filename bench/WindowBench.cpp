@@ -1,10 +1,8 @@
 #include "bench/Benches.h"
 #include "bench/Desk.h"
-#include "stage/BrindleProcess.h"
 #include "stage/XConnection.h"
 
 #include <QCoreApplication>
-#include <QDBusMessage>
 #include <QDBusPendingCall>
 #include <QThread>
 
@@ -18,14 +16,15 @@ public:
     /// The milliseconds from the call until the window can be seen.
     double untilSeen(const QString &program, const QStringList &arguments = {}) {
         require(waitFor([this] { return !isSeen(); }), "a window stays");
-        const BrindleProcess process(m_desk.desktop(), {}, program, arguments);
-        const auto isUp = [this] {
-            const QDBusPendingCall none = call("none");
+        BrindleProcess process(m_desk.desktop, {}, program, arguments);
+        // Without blocking: the program may in turn be calling the status area, which is here.
+        const auto isUp = [&] {
+            const QDBusPendingCall none = process.call("none");
             return waitFor([&] { return none.isFinished(); }) && !none.isError();
         };
         require(waitFor(isUp), "no answer from " + program);
         const double begun = now();
-        const QDBusPendingCall opening = call("preferences");
+        const QDBusPendingCall opening = process.call("preferences");
         while (!isSeen()) {
             require(now() < begun + 15000, "no window of " + program);
             QCoreApplication::processEvents();
@@ -35,16 +34,6 @@ public:
     }
 
 private:
-    /// Calls an action without waiting: the program may in turn be calling the status area, which
-    /// is here.
-    QDBusPendingCall call(const QString &action) const {
-        QDBusMessage message =
-            QDBusMessage::createMethodCall("org.ostrowind.brindle", "/org/ostrowind/brindle",
-                                           "org.freedesktop.Application", "ActivateAction");
-        message << action << QVariantList() << QVariantMap();
-        return m_desk.desktop().bus().asyncCall(message);
-    }
-
     /// Whether the screen shows the accent colour, a strong blue, where the selected tab is.
     bool isSeen() const {
         constexpr int16_t x = 470;
@@ -59,7 +48,7 @@ private:
     }
 
     Desk m_desk;
-    XConnection m_x{m_desk.desktop().display()};
+    XConnection m_x{m_desk.desktop.display()};
 };
 
 } // namespace

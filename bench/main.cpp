@@ -15,10 +15,10 @@ struct Part {
 
 int run(const QStringList &chosen) {
     // Those in this process come last: their megabytes would make starting programs slower.
-    const QList<Part> parts{{"paste", benchPastes},       {"fetch", benchFetch},
-                            {"start", benchStart},        {"idle", benchIdle},
-                            {"window", benchWindow},      {"rendering", benchRendering},
-                            {"detection", benchDetection}};
+    const QList<Part> parts{{"paste", benchPastes},        {"growth", benchGrowth},
+                            {"fetch", benchFetch},         {"start", benchStart},
+                            {"idle", benchIdle},           {"window", benchWindow},
+                            {"rendering", benchRendering}, {"detection", benchDetection}};
     for (const QString &name : chosen) {
         const bool isKnown = std::any_of(parts.begin(), parts.end(),
                                          [&](const Part &part) { return part.name == name; });

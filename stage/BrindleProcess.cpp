@@ -13,13 +13,19 @@ BrindleProcess::BrindleProcess(const VirtualDesktop &desktop,
                                const QMap<QString, QString> &settings, const QString &program,
                                const QStringList &arguments)
     : StageProcess(desktop.environment()), m_desktop(desktop) {
+    writeSettings(desktop, settings);
+    launch(program, arguments);
+}
+
+bool BrindleProcess::writeSettings(const VirtualDesktop &desktop,
+                                   const QMap<QString, QString> &settings) {
     const QString folder = desktop.environment().value(u"XDG_CONFIG_HOME"_s);
     QDir().mkpath(folder);
     QSettings file(folder + u"/org.ostrowind.brindle.conf"_s, QSettings::IniFormat);
     for (auto setting = settings.begin(); setting != settings.end(); ++setting)
         file.setValue(setting.key(), setting.value());
     file.sync();
-    launch(program, arguments);
+    return file.status() == QSettings::NoError;
 }
 
 bool BrindleProcess::isUp() {

@@ -15,6 +15,10 @@ public:
                    const QString &program = QStringLiteral(BRINDLE_PROGRAM),
                    const QStringList &arguments = {});
 
+    /// Adds to the settings file; false when it can't be written.
+    static bool writeSettings(const VirtualDesktop &desktop,
+                              const QMap<QString, QString> &settings);
+
     /// Waits until the launch sequence is through.
     bool isUp();
 
