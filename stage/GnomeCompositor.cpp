@@ -9,6 +9,8 @@
 
 #include <linux/input-event-codes.h>
 
+#include <csignal>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -39,6 +41,17 @@ void admitToXWayland(QProcessEnvironment &environment) {
     const QString key = folder.filePath(keys.value(0));
     environment.insert(u"XAUTHORITY"_s, key);
     qputenv("XAUTHORITY", QFile::encodeName(key));
+}
+
+/// What a shell has started holds its name on the bus, so that no other can have it.
+void killAllBut(const QList<qint64> &others, const DesktopHome &home) {
+    waitFor([&] {
+        QList<qint64> left = DesktopHome::processesAt(home.path());
+        left.removeIf([&](qint64 id) { return others.contains(id); });
+        for (const qint64 id : std::as_const(left))
+            ::kill(static_cast<pid_t>(id), SIGKILL);
+        return left.isEmpty();
+    });
 }
 
 QString inputSources(const QString &layouts) {
@@ -91,13 +104,14 @@ void GnomeCompositor::beginSettings(DesktopHome &home, const DesktopOptions &opt
 /// False if it hangs.
 bool GnomeCompositor::beginShell(DesktopHome &home) {
     const qsizetype before = home.said(shell).size();
+    const QList<qint64> others = DesktopHome::processesAt(home.path());
     m_shell = home.begin(shell, {u"--headless"_s, u"--virtual-monitor"_s, u"1280x800"_s,
                                  u"--wayland-display"_s, socketName});
     const auto isUp = [&] { return home.said(shell).indexOf("GNOME Shell started", before) >= 0; };
     if (!waitFor([&] { return isUp() || m_shell->state() == QProcess::NotRunning; },
                  longestStart) ||
         !isUp()) {
-        m_shell->kill();
+        killAllBut(others, home);
         m_shell->waitForFinished();
         return false;
     }
