@@ -4,7 +4,7 @@
 #include "stage/BrindleProcess.h"
 #include "stage/Keyring.h"
 #include "stage/LoopbackGateway.h"
-#include "support/NotificationLog.h"
+#include "stage/NotificationLog.h"
 
 namespace {
 

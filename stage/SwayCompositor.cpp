@@ -9,6 +9,7 @@ constexpr char configuration[] = R"(xwayland enable
 output HEADLESS-1 resolution 1280x800
 default_border none
 focus_follows_mouse no
+bindsym Mod4+Return nop
 exec echo "$WAYLAND_DISPLAY $DISPLAY $SWAYSOCK"
 )";
 

@@ -4,7 +4,8 @@
 #include "stage/DesktopOptions.h"
 #include "stage/Screen.h"
 
-/// sway without hardware, with XWayland and a keyboard. It has no bindings of its own.
+/// sway without hardware, with XWayland and a keyboard. Its one binding, on
+/// Super+Return, does nothing.
 class SwayCompositor : public Screen {
 public:
     SwayCompositor(DesktopHome &home, const DesktopOptions &options);

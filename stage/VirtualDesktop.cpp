@@ -9,6 +9,7 @@
 #include "stage/XScreen.h"
 
 #include <QDBusConnectionInterface>
+#include <QFile>
 
 using namespace Qt::StringLiterals;
 
@@ -53,6 +54,17 @@ VirtualDesktop::~VirtualDesktop() {
     QDBusConnection::disconnectFromBus(m_busAddress);
     m_screen.reset();
     m_home.end();
+}
+
+void VirtualDesktop::join() const {
+    for (const char *name :
+         {"HOME", "XDG_CONFIG_HOME", "XDG_RUNTIME_DIR", "XDG_CURRENT_DESKTOP", "DISPLAY",
+          "WAYLAND_DISPLAY", "SWAYSOCK", "DBUS_SESSION_BUS_ADDRESS"}) {
+        if (const QString value = environment().value(QString::fromLatin1(name)); value.isEmpty())
+            qunsetenv(name);
+        else
+            qputenv(name, QFile::encodeName(value));
+    }
 }
 
 QString VirtualDesktop::waylandSocket() const {

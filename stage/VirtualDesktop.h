@@ -24,6 +24,8 @@ public:
     DesktopKind kind() const { return m_kind; }
     /// What programs on this desktop must be started with.
     QProcessEnvironment environment() const { return m_home.environment(); }
+    /// Makes this process one of the desktop's programs: its environment leads there from now on.
+    void join() const;
     /// The name of the X display; on Wayland that of XWayland.
     QString display() const { return m_screen->display(); }
     /// The name of the display where faking a key is pressing it on the keyboard: the outer one

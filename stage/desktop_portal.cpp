@@ -74,7 +74,7 @@ public:
         else if (method == u"Request.Close")
             handleWithdrawal(call.path());
         else if (method == u"Session.Close")
-            did(m_sessions.remove(call.path()) ? u"session closed"_s : u"unknown session closed"_s);
+            handleEnd(call.path());
         else if (call.member().startsWith(u"NotifyKeyboard"))
             handleKey(call, bus);
         else
@@ -89,8 +89,8 @@ public:
         if (word == u"answer") {
             m_answer = rest;
         } else if (word == u"revoke") {
-            for (const QString &session : std::exchange(m_sessions, {}))
-                emitSignal(session, u"Session"_s, u"Closed"_s, {});
+            m_takesBack = true;
+            takeBack();
         } else if (word == u"distrust") {
             m_tokens.clear();
         } else if (word == u"trigger") {
@@ -133,7 +133,23 @@ private:
     }
 
     void handleWithdrawal(const QString &request) {
-        did(m_open.remove(request) ? u"question withdrawn"_s : u"unknown question withdrawn"_s);
+        did(m_questions.remove(request) ? u"question withdrawn"_s
+                                        : u"unknown question withdrawn"_s);
+    }
+
+    void handleEnd(const QString &session) {
+        m_open.remove(session);
+        did(m_sessions.remove(session) ? u"session closed"_s : u"unknown session closed"_s);
+    }
+
+    /// What is taken back is a session that is open, now or soon.
+    void takeBack() {
+        if (!m_takesBack || m_open.isEmpty())
+            return;
+        m_takesBack = false;
+        m_open.clear();
+        for (const QString &session : std::exchange(m_sessions, {}))
+            emitSignal(session, u"Session"_s, u"Closed"_s, {});
     }
 
     void handleKey(const QDBusMessage &call, const QDBusConnection &bus) {
@@ -166,13 +182,13 @@ private:
                     .arg(options.value(u"persist_mode"_s, u"no"_s).toString(), m_offered));
             respond(request, 0, {});
         } else if (call.member() == u"Start") {
-            start(request);
+            start(request, call.arguments().constFirst().value<QDBusObjectPath>().path());
         } else if (call.member() == u"BindShortcuts") {
             bind(request, qdbus_cast<QList<Shortcut>>(call.arguments().value(1)));
         }
     }
 
-    void start(const QString &request) {
+    void start(const QString &request, const QString &session) {
         QVariantMap results{{u"devices"_s, keyboard()}};
         const bool asks = !m_tokens.contains(m_offered);
         if (m_traits.versions[u"RemoteDesktop"_s] >= 2 && m_answer != u"allow once") {
@@ -182,7 +198,10 @@ private:
         }
         if (asks && m_answer == u"switch off")
             results[u"devices"_s] = 0U;
-        answerAs(request, asks, 0, results);
+        if (answerAs(request, asks, 0, results)) {
+            m_open.insert(session);
+            takeBack();
+        }
     }
 
     void bind(const QString &request, const QList<Shortcut> &shortcuts) {
@@ -204,16 +223,17 @@ private:
                  {{u"shortcuts"_s, QVariant::fromValue(triggers())}});
     }
 
-    /// As the user does, where the desktop asks.
-    void answerAs(const QString &request, bool asks, uint code, const QVariantMap &results) {
+    /// As the user does, where the desktop asks; false unless that is a yes.
+    bool answerAs(const QString &request, bool asks, uint code, const QVariantMap &results) {
         if (asks)
             did(u"user asked"_s);
         if (asks && m_answer == u"nothing")
-            m_open.insert(request);
+            m_questions.insert(request);
         else if (asks && m_answer == u"deny")
             respond(request, 1, {});
         else
             respond(request, code, results);
+        return !asks || (m_answer != u"nothing" && m_answer != u"deny");
     }
 
     /// As GNOME does it: one code for a user who says no and for nobody having been asked.
@@ -258,7 +278,10 @@ private:
     QString m_offered; ///< the token that came last
     int m_lastToken = 0;
     QSet<QString> m_tokens; ///< those that are good
-    QSet<QString> m_bound, m_known, m_sessions, m_open;
+    QSet<QString> m_bound, m_known, m_sessions;
+    QSet<QString> m_questions; ///< the requests that the user is asked about
+    QSet<QString> m_open;      ///< the sessions that keys can be sent by
+    bool m_takesBack = false;
     QMap<QString, QString> m_kinds; ///< the interface of each session
 };
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "e2e/Scene.h"
-#include "support/ScreenReader.h"
+#include "stage/ScreenReader.h"
 
 /// What a user on GNOME does once in a session: has the desktop asked for the keys, in the
 /// preferences, and answers it. False if it does not come to that.

@@ -2,9 +2,9 @@
 
 #include "stage/ClipboardReader.h"
 #include "stage/Keyring.h"
+#include "stage/NotificationLog.h"
 #include "stage/Windows.h"
 #include "stage/Workplace.h"
-#include "support/NotificationLog.h"
 
 #include <QTest>
 

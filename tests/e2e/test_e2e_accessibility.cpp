@@ -1,7 +1,7 @@
 #include "stage/Actors.h"
 #include "stage/BrindleProcess.h"
 #include "stage/ClipboardReader.h"
-#include "support/ScreenReader.h"
+#include "stage/ScreenReader.h"
 
 #include <QSettings>
 #include <QTest>

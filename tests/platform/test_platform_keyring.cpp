@@ -1,9 +1,9 @@
 #include "platform/linux/SecretServiceStore.h"
 #include "platform/qt/QtDispatch.h"
 #include "stage/Keyring.h"
+#include "stage/KeyringPrompter.h"
 #include "stage/VirtualDesktop.h"
 #include "stage/VirtualKeyboard.h"
-#include "support/KeyringPrompter.h"
 
 #include <QDBusConnectionInterface>
 #include <QElapsedTimer>
@@ -83,8 +83,7 @@ private Q_SLOTS:
     void initTestCase() {
         m_desktop = std::make_unique<VirtualDesktop>(DesktopOptions{.keyring = true});
         QVERIFY2(m_desktop->problem().isEmpty(), qPrintable(m_desktop->problem()));
-        for (const char *variable : {"DISPLAY", "DBUS_SESSION_BUS_ADDRESS", "XDG_RUNTIME_DIR"})
-            qputenv(variable, m_desktop->environment().value(variable).toLocal8Bit());
+        m_desktop->join();
         m_daemon = static_cast<pid_t>(
             m_desktop->bus().interface()->servicePid("org.freedesktop.secrets").value());
         QVERIFY(m_daemon > 0);

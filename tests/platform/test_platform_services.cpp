@@ -1,7 +1,7 @@
 #include "platform/linux/AccessibleFocus.h"
 #include "platform/linux/DBusNotifications.h"
+#include "stage/NotificationLog.h"
 #include "stage/VirtualDesktop.h"
-#include "support/NotificationLog.h"
 
 #include <QElapsedTimer>
 #include <QTest>
@@ -17,8 +17,7 @@ private Q_SLOTS:
     void initTestCase() {
         m_desktop = std::make_unique<VirtualDesktop>(DesktopOptions{.notifications = true});
         QVERIFY2(m_desktop->problem().isEmpty(), qPrintable(m_desktop->problem()));
-        for (const char *name : {"DISPLAY", "DBUS_SESSION_BUS_ADDRESS", "XDG_RUNTIME_DIR"})
-            qputenv(name, m_desktop->environment().value(name).toLocal8Bit());
+        m_desktop->join();
     }
 
     void cleanupTestCase() { m_desktop.reset(); }

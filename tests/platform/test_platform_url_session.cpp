@@ -1,4 +1,4 @@
-#include "platform/Http2Server.h"
+#include "stage/Http2Server.h"
 #include "stage/LoopbackGateway.h"
 #include "stage/RedirectedUrlSession.h"
 #include "stage/StageProcess.h"

@@ -87,7 +87,7 @@ private Q_SLOTS:
     void initTestCase() {
         m_desktop = std::make_unique<VirtualDesktop>(DesktopOptions{.bus = false});
         QVERIFY2(m_desktop->problem().isEmpty(), qPrintable(m_desktop->problem()));
-        qputenv("DISPLAY", m_desktop->display().toLocal8Bit());
+        m_desktop->join();
         m_ports = std::make_unique<Ports>();
         QVERIFY(m_ports->x11);
     }

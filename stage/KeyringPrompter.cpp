@@ -1,4 +1,4 @@
-#include "support/KeyringPrompter.h"
+#include "stage/KeyringPrompter.h"
 
 namespace {
 const QString name = "org.gnome.keyring.SystemPrompter";

@@ -1,4 +1,4 @@
-#include "support/NotificationLog.h"
+#include "stage/NotificationLog.h"
 
 NotificationLog::NotificationLog(const QString &busAddress)
     : m_monitor(QProcessEnvironment::systemEnvironment()) {
