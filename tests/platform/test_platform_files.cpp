@@ -84,12 +84,14 @@ private Q_SLOTS:
         for (const auto &[text, integer, boolean] : cases) {
             const QString path = m_folder->filePath(text.left(5)); // it is cached by its path
             write(path, "[General]\nk=" + text.toUtf8() + "\nv=@Variant(\\0\\0)\n" +
-                            "list=@Variant(\\0\\0\\0\\xb\\0\\0\\0\\x1)\n");
+                            "list=@Variant(\\0\\0\\0\\xb\\0\\0\\0\\x1)\n"
+                            "truth=@Variant(\\0\\0\\0\\x1\\0\\x1)\n");
             const SettingsFile file(path);
             QCOMPARE(file.string("k"), text);
             QVERIFY2(file.integer("k") == integer, qPrintable(text));
             QVERIFY2(file.boolean("k") == boolean, qPrintable(text));
             QVERIFY(!file.data("k") && !file.string("v") && !file.string("list"));
+            QVERIFY(file.boolean("truth") == true && !file.integer("truth")); // "true" once saved
         }
     }
 

@@ -13,7 +13,7 @@
 
 namespace {
 
-/// What the toolkit writes into a list as it is: as text, which is all that is left of it there.
+/// What the toolkit writes as text, which is all that is left of it then.
 bool isWrittenAsText(const QVariant &piece) {
     switch (piece.typeId()) {
     case QMetaType::QString:
@@ -129,8 +129,8 @@ std::optional<QVariant> SettingsFile::scalar(const QString &key) const {
     if (!m_file.contains(key))
         return std::nullopt;
     const QVariant value = wellFormed(m_file.value(key));
-    if (!isTextInPieces(value))
-        return value;
+    if (!isTextInPieces(value)) // it reads as it will once it is written anew
+        return isWrittenAsText(value) ? value.toString() : value;
     // Without pieces it was none: so does the toolkit read what it can't read, and write it.
     const QStringList pieces = value.toStringList();
     if (pieces.isEmpty())
