@@ -85,7 +85,7 @@ private Q_SLOTS:
             const QString path = m_folder->filePath(text.left(5)); // it is cached by its path
             write(path, "[General]\nk=" + text.toUtf8() + "\nv=@Variant(\\0\\0)\n" +
                             "list=@Variant(\\0\\0\\0\\xb\\0\\0\\0\\x1)\n"
-                            "truth=@Variant(\\0\\0\\0\\x1\\0\\x1)\n");
+                            "truth=@Variant(\\0\\0\\0\\x1\\x1)\n");
             const SettingsFile file(path);
             QCOMPARE(file.string("k"), text);
             QVERIFY2(file.integer("k") == integer, qPrintable(text));
