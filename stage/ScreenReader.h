@@ -70,6 +70,7 @@ struct Node {
         enabled = 8,
         focusable = 11,
         selected = 23,
+        sensitive = 24,
         showing = 25
     };
 };

@@ -37,4 +37,5 @@ struct Scene : Workplace {
     }
 
     NotificationLog shown;
+    bool isAllowedAll = false; ///< by the user of a desktop that asks for it and remembers it
 };

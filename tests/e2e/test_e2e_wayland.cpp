@@ -46,7 +46,7 @@ DesktopOptions optionsFor(DesktopKind kind) {
 /// Up, and allowed to press keys.
 bool isReady(Scene &scene) {
     return scene.isUp() &&
-           (scene.desktop.kind() != DesktopKind::Gnome || answerTheDesktop(scene, true));
+           (scene.desktop.kind() != DesktopKind::Gnome || Consent(scene).allowAll());
 }
 
 /// Processor time of a process, in hundredths of a second.
